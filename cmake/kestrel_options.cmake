@@ -28,7 +28,10 @@ endif()
 # kestrel_layer(NAME LINKS lib...) - an empty static library that the folder then fills with target_sources.
 function(kestrel_layer name)
   cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
-  add_library(${name} STATIC)
+  # A library needs a source even while no folder of the layer has named one.
+  set(first ${CMAKE_CURRENT_BINARY_DIR}/${name}_layer.cpp)
+  file(CONFIGURE OUTPUT ${first} CONTENT "// The layer ${name}.\n")
+  add_library(${name} STATIC ${first})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
   if(ARG_LINKS)
     target_link_libraries(${name} PUBLIC ${ARG_LINKS})
