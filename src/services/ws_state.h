@@ -54,6 +54,7 @@ struct window_record {
     int foreground, background;        // slot or 0xRRGGBB
     int line_width, line_pattern;
     int pen_x, pen_y;
+    int dash_phase;                    // pixels of the dash pattern used up since ws_move
     bool patterned;
     uint8_t pattern[8];
     int busy;                          // above 0: the busy cursor shows over the window
@@ -74,7 +75,7 @@ struct services_state {
     int stack_count;
     window_record popup_saved[POPUP_DEPTH];  // window 0 as it was at each ws_popup_begin: [0] is the frame
     int popup_depth;                   // pop-ups begun and not ended
-    uint32_t colours[WS_MAX_SLOTS];    // the logical colour table, 0x00RRGGBB
+    uint32_t *colours;                 // the logical colour table: WS_MAX_SLOTS entries, 0x00RRGGBB
     int true_colour_vlts;              // 1 while ws_vlt_alloc's number 2 is out
     ws_rect damage[DAMAGE_MAX];        // frame coordinates, menu bar included
     int damage_count;
@@ -184,6 +185,7 @@ void events_forget_window(int w);      // w is being deleted: its queued events 
 void queue_refresh(int w, const ws_rect &old_rect, const ws_rect &damage, uint32_t flags);  // old in frame, damage in window coordinates
 void queue_collapse(int w, int state); // 1 collapsed, 0 restored
 void queue_delete(int w);
+bool delete_is_queued(int w);          // such a number is not given to a new window before the program has read the event
 
 void menu_bar_start();
 void menu_bar_stop();
