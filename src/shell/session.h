@@ -109,6 +109,7 @@ extern int32_t screen_no, screen_width, screen_height;
 extern char    data_dir[256], fonts_dir[256];  // with trailing separator
 extern char    image_path[256];        // prefix of relative image file names
 extern int32_t fwrite_tile_code, fwrite_incr, fwrite_min, fwrite_max;  // -1, 1, 0, 255
+extern char    block_file_name[128];   // block descriptor last used or set by the defaults file; "" none
 extern int32_t hist_sampling_incr;     // 0: automatic
 // Also shared: form_is_up and popup_forms, which the forms toolkit keeps (forms/forms.h).
 
