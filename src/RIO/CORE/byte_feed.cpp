@@ -44,7 +44,7 @@ void feed_note(feed_marks *marks, int32_t line, feed_mark mark)
 int32_t feed_nearest(const feed_marks *marks, int32_t line, feed_mark *mark_out)
 {
     if (!marks->count)
-        return -1;
+        return 0;
     const int32_t step = line / FEED_MARK_STEP < marks->count ? line / FEED_MARK_STEP : marks->count - 1;
     *mark_out = marks->list[step];
     return step * FEED_MARK_STEP;

@@ -59,7 +59,7 @@ struct feed_marks {
 // To be called for every line that is reached; keeps what it has a place for. Without memory it keeps nothing.
 void feed_note(feed_marks *marks, int32_t line, feed_mark mark);
 
-// The last marked line at or before `line`; -1 when none is marked.
+// The last marked line at or before `line`. When none is marked, 0, and the mark is left as it was.
 int32_t feed_nearest(const feed_marks *marks, int32_t line, feed_mark *mark_out);
 
 void feed_free_marks(feed_marks *marks);
