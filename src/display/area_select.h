@@ -6,5 +6,3 @@
 int select_window_area(const char *title, int *x0, int *y0, int *x1, int *y1);
 int rubber_band_init();                // the edge buffers; 0 without memory
 
-enum area_mode { AREA_CORNERS, AREA_CENTRE };
-int select_area_two_points(const char *title, int mode, int *x0, int *y0, int *x1, int *y1);

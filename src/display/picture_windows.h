@@ -22,6 +22,3 @@ void clear_reserved_window();          // current_window
 void busy_all();                       // busy cursor in all displayed windows, 39 to 0
 void normal_all();
 
-// Opens or refreshes the picture of three bands (all equal for a monochrome image); blue -2: the full-screen window.
-int  show_image(int red, int green, int blue);
-void new_session_display();            // gamma, modes and tables for the image that starts a session
