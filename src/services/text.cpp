@@ -1,0 +1,78 @@
+// Text and one-bit masks, into windows and into the services' own picture.
+#include "services/drawing.h"
+#include "services/font.h"
+#include <algorithm>
+#include <climits>
+
+// Runs of ones are filled as spans.
+static void stamp_row(const pixel_store &store, const ws_rect &clip, int x, int y, const uint8_t *bits, int width, uint32_t value)
+{
+    const int first = std::max(0, clip.x0 - x), end = std::min(width, clip.x1 - x + 1);
+    const auto one = [bits](int i) { return bits[i >> 3] >> (i & 7) & 1; };
+    for (int i = first; i < end; i++) {
+        if (!one(i))
+            continue;
+        const int run = i;
+        while (i < end && one(i))
+            i++;
+        store_fill(store, { x + run, y, x + i - 1, y }, value);
+    }
+}
+
+void stamp_low_first(const pixel_store &store, const ws_rect &clip, int x, int y, const uint8_t *bits, int width, int height, uint32_t value)
+{
+    const int stride = (width + 7) / 8;
+    for (int row = std::max(0, clip.y0 - y); row < height && y + row <= clip.y1; row++)
+        stamp_row(store, clip, x, y + row, bits + row * stride, width, value);
+}
+
+// Beyond this a pen position is off any window; it keeps the sums of pen and offsets within an int.
+static bool far_away(int v)
+{
+    return v < INT_MIN / 2 || v > INT_MAX / 2;
+}
+
+int stamp_text(const pixel_store &store, const ws_rect &clip, int font, int x, int y, const char *text, int length, uint32_t value)
+{
+    if (far_away(x) || far_away(y))
+        return x;
+    for (int i = 0; i < length; i++) {
+        font_glyph glyph;
+        if (!font_glyph_of(font, uint8_t(text[i]), &glyph))
+            continue;
+        if (x > clip.x1)
+            break;
+        stamp_low_first(store, clip, x + glyph.x_offset, y + glyph.y_offset, glyph.bits, glyph.width, glyph.height, value);
+        x += glyph.advance;
+    }
+    return x;
+}
+
+int ws_text_width(int font, const char *text, int length, int *width_out)
+{
+    if (ws_font_height(font) == 0)
+        return -1;
+    int width = 0;
+    for (int i = 0; i < length; i++) {
+        font_glyph glyph;
+        if (font_glyph_of(font, uint8_t(text[i]), &glyph))
+            width += glyph.advance;
+    }
+    *width_out = width;
+    return 0;
+}
+
+int ws_draw_text(int w, int font, int x, int y, const char *text, int length)
+{
+    const drawing_target target = begin_drawing(w);
+    if (!target.window)
+        return target.result;
+    const int height = ws_font_height(font);
+    if (height == 0)
+        return -1;
+    if (far_away(x) || far_away(y))
+        return 0;
+    const int end = stamp_text(target.window->store, target.clip, font, x, y, text, length, uint32_t(target.window->foreground));
+    end_drawing(*target.window, rect_common(target.clip, { x, y, end + UCHAR_MAX, y + std::max(height, 2 * UCHAR_MAX) }));
+    return 0;
+}
