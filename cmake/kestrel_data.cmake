@@ -76,7 +76,16 @@ add_custom_target(kestrel_fonts DEPENDS ${kestrel_font_files})
 # Two targets may not make the same file at the same time.
 add_dependencies(builtin_fonts_source kestrel_fonts)
 
-add_custom_target(kestrel_data ALL)
+# The sample pictures, all of one generated landscape.
+set(kestrel_samples "")
+foreach(name scene.ppm scene_grey.pgm sheet.pbm elevation.pgm)
+  list(APPEND kestrel_samples ${KESTREL_TARN}/samples/${name})
+endforeach()
+add_custom_command(OUTPUT ${kestrel_samples}
+  COMMAND kestrel-mkdata samples ${KESTREL_TARN}/fonts ${KESTREL_TARN}/samples
+  DEPENDS kestrel-mkdata ${kestrel_font_files} VERBATIM)
+
+add_custom_target(kestrel_data ALL DEPENDS ${kestrel_samples})
 add_dependencies(kestrel_data kestrel_fonts)
 
 install(DIRECTORY ${KESTREL_TARN}/ DESTINATION ${CMAKE_INSTALL_DATADIR}/kestrel/tarn)
