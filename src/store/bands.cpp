@@ -48,6 +48,7 @@ int alloc_tables(band_rec &band)
     return 1;
 }
 
+// Fresh memory is zero, so that the missing tail of a short file need not be touched.
 int grow_data(band_rec &band, uint32_t bytes)
 {
     if (band.alloc_bytes > 1)
@@ -56,7 +57,7 @@ int grow_data(band_rec &band, uint32_t bytes)
     band.alloc_bytes = bytes;
     if (bytes <= 1)
         return 1;
-    band.data = (uint8_t *)mem_alloc(bytes);
+    band.data = (uint8_t *)mem_calloc(bytes, 1);
     if (band.data)
         return 1;
     band.alloc_bytes = 0;
