@@ -40,6 +40,7 @@ void forms_exit();                     // frees every form
 void forms_set_style(const forms_style *style);
 const forms_style *forms_get_style();
 void forms_set_path(const char *directories);   // where form files and symbol files lie, separated by ';'
+const char *forms_path();              // the same, "" at start
 
 extern int32_t form_is_up;             // a form has the pointer
 extern int32_t popup_forms;            // 1: forms are pop-ups over the frame; 0: ordinary windows
@@ -142,7 +143,8 @@ void form_size_for_text(form *f, double *width_out, double *height_out, const ch
 //
 // Shows the form with its top left at x, y of the frame (below 0: centred; always moved to lie on the screen) and runs it
 // till a notify function answers other than FORM_STAY, accept is pressed (FORM_DONE) or it is cancelled
-// (FORM_CANCELLED; also when it cannot be shown). `notify` may be null. `last_out`, when not null, gets the label of the gadget pressed.
+// (FORM_CANCELLED; also when it cannot be shown). `notify` may be null. `last_out`, when not null, gets the label of the gadget
+// that ended it, 0 for Esc with no cancel gadget; it is left alone when the form could not be shown.
 int form_run(form *f, int x, int y, form_notify notify, void *data, int *last_out);
 
 // A running form may be taken off the screen for a while (to point at an image) and put back.
