@@ -11,3 +11,7 @@ struct command_row {
 };
 extern command_row command_table[];
 constexpr int COMMAND_ROWS = 178;
+
+// The first row of a keyword or a menu identifier; null when there is none.
+command_row *command_find(const char *keyword);
+command_row *command_find_id(uint32_t menu_id);

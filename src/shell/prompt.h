@@ -23,6 +23,7 @@ int prompt_input(const char *title, const char *prompt, int flags);
 
 // What is prompted for now, "" outside a wait (scripts).
 const char *prompt_text();
+int prompt_takes_keyin();              // 1 when that wait can be answered by key-in (scripts)
 
 // The refreshes now queued are to be ignored for the rest of the present wait (everything has just been painted).
 void prompt_mark_refresh_done();

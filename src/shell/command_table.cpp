@@ -1,0 +1,243 @@
+#include "shell/command_table.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "display/navigation.h"
+#include "services/ws.h"
+#include "shell/diagnostics.h"
+#include "shell/startup.h"
+
+static void say_not_available(const char *keyword)
+{
+    char text[80];
+    std::snprintf(text, sizeof text, "%s is not available yet", keyword);
+    msg_put(MSG_STATUS, MSG_CENTRED, text);
+    beep(BEEP_ERROR);
+}
+
+// A command whose function bears its keyword, and one that is still to be built.
+#define COMMAND(name) { #name, name, 0, 0, 0 },
+#define AWAITED(name) { #name, [] { say_not_available(#name); }, 0, 0, 0 },
+
+// The order carries no meaning but is kept: a search stops at the first match.
+command_row command_table[] = {
+    // start and end
+    COMMAND(quit)
+    // diagnostics
+    COMMAND(debug_display_mode)
+    COMMAND(debug_window)
+    COMMAND(debug_band)
+    COMMAND(debug_hist)
+    // tile store
+    AWAITED(set_mem_limit)
+    AWAITED(set_tile_size)
+    // reading images
+    AWAITED(read_bin)
+    AWAITED(read_tiled_bin)
+    AWAITED(read_tiled_bin_big)
+    AWAITED(read_raw_gray)
+    AWAITED(read_raw_gray_big)
+    AWAITED(read_raw_color)
+    AWAITED(read_raw_color_big)
+    AWAITED(read_cot_gray)
+    AWAITED(read_cot_gray_big)
+    AWAITED(read_cot_gray_rect)
+    AWAITED(read_tiled_cot_gray)
+    AWAITED(read_tiled_cot_gray_big)
+    AWAITED(read_cot_color)
+    AWAITED(read_cot_color_big)
+    AWAITED(read_cot_color_rect)
+    AWAITED(read_tiled_cot_color)
+    AWAITED(read_tiled_cot_color_big)
+    AWAITED(read_cot_color_index)
+    AWAITED(read_cot_color_index_big)
+    AWAITED(read_cot_color_index_rect)
+    AWAITED(read_rgb)
+    AWAITED(read_rgb_big)
+    AWAITED(read_rgb_rect)
+    AWAITED(read_tiled_rgb)
+    AWAITED(read_tiled_rgb_big)
+    AWAITED(read_image)
+    AWAITED(replace_band)
+    AWAITED(read_raw_single)
+    AWAITED(read_cot_single)
+    AWAITED(refetch_file)
+    // writing images
+    AWAITED(save_image)
+    AWAITED(write_image)
+    AWAITED(write_bin)
+    AWAITED(write_bin_rect)
+    AWAITED(write_cot)
+    AWAITED(write_cot_rect)
+    AWAITED(write_cot_blocks)
+    AWAITED(write_rle)
+    AWAITED(write_rle_rect)
+    AWAITED(write_t29)
+    AWAITED(write_t29_rect)
+    AWAITED(write_raw)
+    AWAITED(write_raw_rect)
+    AWAITED(write_rgb)
+    AWAITED(write_rgb_rect)
+    AWAITED(write_rgb_single)
+    AWAITED(write_rgb_single_rect)
+    AWAITED(set_fwrite_range)
+    AWAITED(set_fwrite_tile_size)
+    AWAITED(set_fwrite_incr)
+    AWAITED(set_path_name)
+    // navigation
+    COMMAND(zoom_in)
+    COMMAND(zoom_out)
+    COMMAND(center)
+    COMMAND(area)
+    COMMAND(fit)
+    COMMAND(zoom_out_full)
+    COMMAND(clear_xform_mtx)
+    COMMAND(clear_orientation)
+    COMMAND(set_xform_mtx)
+    // colour table
+    AWAITED(reset_vlt)
+    AWAITED(band_on)
+    AWAITED(band_off)
+    AWAITED(swap_red_green)
+    AWAITED(swap_red_blue)
+    AWAITED(swap_green_blue)
+    AWAITED(red_to_mono)
+    AWAITED(green_to_mono)
+    AWAITED(blue_to_mono)
+    AWAITED(mono_to_color)
+    AWAITED(num_planes)
+    AWAITED(eight_planes)
+    AWAITED(nine_planes)
+    AWAITED(show_reserved)
+    AWAITED(linearize)
+    AWAITED(test_gamma)
+    // windows
+    AWAITED(set_active_window)
+    AWAITED(display_overview)
+    AWAITED(detail_win)
+    AWAITED(toggle_grid)
+    AWAITED(enable_grid)
+    AWAITED(disable_grid)
+    AWAITED(grid_color)
+    AWAITED(highlight_color)
+    AWAITED(redraw_win)
+    AWAITED(redraw_all)
+    AWAITED(erase_win)
+    AWAITED(push_win)
+    AWAITED(pop_win)
+    AWAITED(restore_windows)
+    AWAITED(split_screen_enable)
+    AWAITED(split_screen_disable)
+    AWAITED(toggle_couple)
+    AWAITED(split_screen_decouple)
+    AWAITED(split_screen_couple)
+    AWAITED(dual_screen_enable)
+    AWAITED(show_intensity)
+    AWAITED(draw_vector_c)
+    AWAITED(draw_vector_s)
+    AWAITED(draw_symbol)
+    // histograms
+    AWAITED(reset_hist)
+    AWAITED(collect_hist_full)
+    AWAITED(collect_hist_area)
+    AWAITED(set_sampling_incr)
+    AWAITED(reset_sampling_incr)
+    AWAITED(toggle_hist)
+    AWAITED(display_hist)
+    // contrast
+    AWAITED(equalize_full_hist)
+    AWAITED(equalize_clip_in_hist)
+    AWAITED(equalize_clip_in_out_hist)
+    AWAITED(stretch_full_hist)
+    AWAITED(stretch_clip_in_hist)
+    AWAITED(stretch_clip_in_out_hist)
+    AWAITED(stretch_hist_1percent)
+    AWAITED(stretch_hist_2percent)
+    AWAITED(stretch_hist_other)
+    AWAITED(stretch_hist_1percent_clip_out)
+    AWAITED(stretch_hist_2percent_clip_out)
+    AWAITED(stretch_hist_other_clip_out)
+    AWAITED(piecewise_stretch_hist)
+    AWAITED(piecewise_equalize_hist)
+    AWAITED(scale_hist)
+    AWAITED(shift_hist)
+    AWAITED(enable_recursion)
+    AWAITED(disable_recursion)
+    // tune
+    AWAITED(tune)
+    // density slice
+    AWAITED(define_density_slice)
+    AWAITED(spectrum12_full)
+    AWAITED(spectrum12_clip)
+    AWAITED(spectrum6_full)
+    AWAITED(spectrum6_clip)
+    AWAITED(ramp12_full)
+    AWAITED(ramp12_clip)
+    AWAITED(ramp6_full)
+    AWAITED(ramp6_clip)
+    AWAITED(density_slice_on)
+    AWAITED(density_slice_off)
+    AWAITED(reset_density_slice)
+    AWAITED(density_slice_to_3_bands)
+    AWAITED(density_slice_color_edit)
+    // undo
+    AWAITED(undo)
+    AWAITED(toggle_undo)
+    AWAITED(enable_undo)
+    AWAITED(disable_undo)
+    // cut and paste
+    AWAITED(cut)
+    AWAITED(toggle_cut)
+    AWAITED(display_cut)
+    AWAITED(cut_bgcolor)
+    AWAITED(paste)
+    // pixels and hues
+    AWAITED(hue_repl)
+    AWAITED(mod_pixel_hue)
+    AWAITED(mod_pixel_color)
+    AWAITED(blurr)
+    AWAITED(tint)
+    // text
+    AWAITED(text_setup)
+    AWAITED(place_text)
+    // graphics
+    AWAITED(graphics)
+    // neighbourhood filters
+    AWAITED(edge_det)
+    AWAITED(edge_enh)
+    AWAITED(smoothing)
+    AWAITED(roberts)
+    AWAITED(sobel)
+    // colours and tones
+    AWAITED(rgbihs)
+    AWAITED(ihsrgb)
+    AWAITED(apply)
+    AWAITED(invert)
+    // orthogonal geometry
+    AWAITED(transpose)
+    AWAITED(flip)
+    AWAITED(mirror)
+    // warp
+    AWAITED(rotate)
+    AWAITED(splice2)
+
+    { "", nullptr, 0, 0, 0 },
+};
+static_assert(sizeof command_table / sizeof *command_table == COMMAND_ROWS + 1);
+
+command_row *command_find(const char *keyword)
+{
+    for (command_row *row = command_table; row->handler; row++)
+        if (std::strcmp(row->keyword, keyword) == 0)
+            return row;
+    return nullptr;
+}
+
+command_row *command_find_id(uint32_t menu_id)
+{
+    for (command_row *row = command_table; row->handler; row++)
+        if (row->menu_id == menu_id)
+            return row;
+    return nullptr;
+}
