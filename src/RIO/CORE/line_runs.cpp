@@ -88,6 +88,19 @@ int rio_runs_to_bitmap(const uint16_t *runs, int64_t words, uint16_t *line, int3
     return x == width;
 }
 
+int rio_runs_to_bytes(const uint16_t *runs, int64_t words, uint8_t *line, int32_t width)
+{
+    int32_t x = 0;
+    for (int64_t i = 0; i + 1 < words; i += 2) {
+        const int32_t run = runs[i + 1];
+        if (run > width - x)
+            return 0;
+        memset(line + x, runs[i] & 255, size_t(run));
+        x += run;
+    }
+    return x == width;
+}
+
 static int64_t encode_line(const RFILE *file, const uint8_t *line, uint8_t *buffer, int64_t room)
 {
     uint16_t *runs = reinterpret_cast<uint16_t *>(buffer);

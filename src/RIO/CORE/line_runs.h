@@ -15,11 +15,14 @@ int64_t rio_byte_runs(const uint8_t *line, int32_t width, uint16_t *runs, int64_
 // The bilevel line of such runs, the rest of its last word cleared. 1; 0 when the runs do not add up to the width.
 int rio_runs_to_bitmap(const uint16_t *runs, int64_t words, uint16_t *line, int32_t width);
 
+// The same for the pairs of a byte line.
+int rio_runs_to_bytes(const uint16_t *runs, int64_t words, uint8_t *line, int32_t width);
+
 // Slot: Getrleline of a format that fills getline: the next line's runs, type 9 for bilevel and 10 for byte files.
 // `*size` is the buffer's bytes, and then the bytes used. Pixels; 0 with RIO_RLE_BUFFER and the size that is surely
 // enough, and the line can be read again; colour is refused with 0 and no error.
 int rio_getrleline_by_lines(RFILE *file, uint8_t *buffer, int *size);
 
-// Slot: copydata of the same formats: every line from the first to the target's getline's end. The target has its size
-// and type. 0; 1 with the error set in the record at fault.
+// Slot: copydata of the same formats: every line, to a target that has its size and type already. 0; 1 with the error
+// set in the record at fault.
 int rio_copy_lines(RFILE *file, RFILE *target);

@@ -1,5 +1,6 @@
 // Reading lines. Raw lines have a fixed length and are read at their place; text lines are found by reading on, from
 // the nearest line whose place is known.
+#include "RIO/CORE/bit_lines.h"
 #include "RIO/PNM/pnm.h"
 #include "RIO/PNM/pnmtext.h"
 
@@ -101,20 +102,6 @@ static int get_text_line(RFILE *file, pnm_specs *specs, int count, uint8_t **lin
 
 // ---- raw -----------------------------------------------------------------------------------------------------------
 
-// File bytes to words in place: the leftmost pixel into the top bit, the bits behind the last pixel cleared.
-static void bytes_to_words(uint8_t *line, int32_t width)
-{
-    const int64_t bytes = (int64_t{width} + 7) / 8, words = rio_bitmap_words(width);
-    if (bytes & 1)
-        line[bytes] = 0;
-    for (int64_t i = 0; i < words; i++)
-        put_le_u16(line + 2 * i, be_u16(line + 2 * i));
-    if (width % 16) {
-        const uint16_t last = uint16_t(le_u16(line + 2 * (words - 1)) & (0xFFFF << (16 - width % 16)));
-        put_le_u16(line + 2 * (words - 1), last);
-    }
-}
-
 // `pixels` pixels of the chunk into the planes that are wanted, from pixel `x` on.
 static void spread_bytes(const uint8_t *chunk, int pixels, int count, uint8_t **lines, int64_t x)
 {
@@ -184,7 +171,7 @@ static int get_raw_line(RFILE *file, pnm_specs *specs, int count, uint8_t **line
     if (!read)
         return rio_fail(file, RIO_READ_FAILED, "PNM");
     if (pnm_is_bitmap(specs->kind))
-        bytes_to_words(lines[0], file->width);
+        rio_bits_from_bytes(lines[0], file->width);
     else if (specs->levels && specs->max_value < 256)
         for (int s = 0; s < pnm_samples(specs->kind); s++)
             if (uint8_t *line = plane(count, lines, s))

@@ -1,3 +1,4 @@
+#include "RIO/CORE/bit_lines.h"
 #include "RIO/PNM/pnm.h"
 #include <algorithm>
 #include <cstdio>
@@ -54,7 +55,7 @@ int pnm_wrt_hdr(RFILE *file)
                           ? snprintf(text, sizeof text, "P%1d %d %d\n", specs->kind, file->width, file->height)
                           : snprintf(text, sizeof text, "P%1d %d %d %d\n", specs->kind, file->width, file->height,
                                      specs->max_value);
-    if (!rio_write_exact(file, text, bytes))
+    if (!rio_write_at(file, file->image_offset, text, bytes))
         return rio_fail_status(file, RIO_WRITE_FAILED, "PNM header");
     specs->data_offset = file->image_offset + bytes;
     specs->put_line = 0;
@@ -103,8 +104,7 @@ static int put_bits(RFILE *file, pnm_specs *specs, const uint8_t *line)
 {
     for (int64_t done = 0; done < specs->row_bytes; done += PNM_CHUNK) {
         const int bytes = int(std::min<int64_t>(specs->row_bytes - done, PNM_CHUNK));
-        for (int i = 0; i < bytes; i += 2)
-            put_be_u16(specs->chunk + i, le_u16(line + done + i));
+        rio_bits_to_bytes(reinterpret_cast<const uint16_t *>(line + done), specs->chunk, bytes);
         if (!rio_write_exact(file, specs->chunk, bytes))
             return 0;
     }
