@@ -15,7 +15,8 @@ int host_path(const char *name, char *out, int size);
 int host_path_resolver(const char *name, char *out, int size);
 
 // Makes an application path out of a host path from the command line or a drop: remembers its spelling, and shortens it to
-// fit `size` by making it relative to the current directory or by giving its directory an alias ("~1\name.tif"). Never cut.
+// fit `size` by making it relative to the current directory or by giving its directory an alias ("~1\name.tif"). Never cut. The letters keep their
+// case: path_normalise folds them. 1; 0 when `size` is too small even for an alias.
 int host_path_to_app(const char *host, char *out, int size);
 
 // Folds letters to lower case, '/' to '\', and resolves "." and ".." in the part after the last ':'. In place.
@@ -27,9 +28,10 @@ void host_set_data_directory(const char *directory);  // tests
 void host_path_reset();                // forgets spellings and aliases
 
 int host_is_directory(const char *name);   // name is an application path
-int host_file_exists(const char *name);
-int host_is_readable(const char *name);
+int host_file_exists(const char *name);     // and is no directory
+int host_is_readable(const char *name);     // the same
 
 // Names in a directory that match a shell pattern ("*.tif", several separated by ';' or ','), sorted, directories first with a '\'
-// behind. Calls `each` for every one. Count, or -1 when it cannot be read.
+// behind. Calls `each` for every one. Count, or -1 when it cannot be read. Directories pass any pattern; names that begin with
+// a dot are left out; "*.*" and "" mean all; patterns take letters of either case. Entries have the host's spelling.
 int host_list_directory(const char *name, const char *pattern, void (*each)(const char *entry, int is_directory, void *data), void *data);
