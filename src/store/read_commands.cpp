@@ -9,6 +9,7 @@
 #include "store/bands.h"
 #include "store/load.h"
 #include "store/load_tiled.h"
+#include "store/read_mode.h"
 #include "store/read_prompts.h"
 
 namespace {
@@ -31,17 +32,15 @@ int ask_three_names(const char *title, three_names *names)
     return 1;
 }
 
-// Runs `load` with COLOR and NEW_SESSION as the read wants them. What a failed load would have changed comes back.
+// Runs `load` with COLOR and NEW_SESSION as the read wants them.
 template <typename loader> int in_mode(bool colour, bool big, loader load)
 {
-    const uint32_t old_mode = display_mode;
-    display_mode = colour ? display_mode | COLOR : display_mode & ~uint32_t{COLOR};
+    const uint32_t old_mode = read_mode_begin(colour);
     if (big)
         display_mode |= NEW_SESSION;
     const int loaded = load();
     display_mode &= ~uint32_t{NEW_SESSION};
-    if (!loaded && active_window >= 0)
-        display_mode = (display_mode & ~uint32_t{COLOR}) | (old_mode & COLOR);
+    read_mode_end(old_mode, loaded);
     return loaded;
 }
 
