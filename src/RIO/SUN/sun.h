@@ -16,7 +16,7 @@ enum { SUN_ORDER_BIG = 18761, SUN_ORDER_SWAPPED = 19789 };
 enum sun_type : uint32_t { SUN_OLD, SUN_STANDARD, SUN_BYTE_RUNS, SUN_RGB, SUN_TIFF, SUN_IFF };
 enum sun_map : uint32_t { SUN_MAP_NONE, SUN_MAP_RGB, SUN_MAP_RAW };
 
-enum { SUN_HEADER_BYTES = 32, SUN_MAP_BYTES = 768 };
+enum { SUN_HEADER_BYTES = 32, SUN_LENGTH_OFFSET = 16, SUN_MAP_BYTES = 768 };
 
 // Key 501 of a new file: 2 writes byte run lengths (type 2), as bitmap run lengths (data type 9) do by themselves.
 enum { SUN_KEY_COMPRESSION = 501 };
@@ -33,6 +33,7 @@ struct sun_specs {
     int64_t data_offset;            // of the first line
     int64_t row_bytes;              // of a stored line, pad included
     bool invert;                    // bilevel: the map makes a 0 the darker one
+    int64_t coded_bytes;            // written so far to a new type 2 file
     int64_t put_line;               // the line that the stream stands at for a put; -1 not known
     int32_t coded_line;             // type 2: the line that `coded` stands at; -1 to be found
     sun_runs coded;
@@ -53,5 +54,6 @@ int sun_get_line(RFILE *file, int count, uint8_t **lines);
 int sun_put_line(RFILE *file, int count, uint8_t **lines);
 int sun_put_rle_line(RFILE *file, const uint8_t *runs, int size);
 int sun_wrt_hdr(RFILE *file);
+void sun_close(RFILE *file);
 int sun_init_std_hdr(RFILE *file, RFILE *target);
 int64_t sun_get_image_offset(RFILE *file);

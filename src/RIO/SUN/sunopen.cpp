@@ -28,7 +28,7 @@ static const rio_ops sun_ops {
     .seek = sun_seek,
     .randomize = rio_plain_randomize,
     .rewind = rio_plain_rewind,
-    .close = rio_plain_close,
+    .close = sun_close,
     .free_specs = free_specs,
     .get_image_offset = sun_get_image_offset,
 };

@@ -89,7 +89,7 @@ int sun_wrt_hdr(RFILE *file)
         || !rio_write_exact(file, map, specs->map_length))
         return rio_fail_status(file, RIO_WRITE_FAILED, "SUN header");
     specs->data_offset = file->image_offset + SUN_HEADER_BYTES + specs->map_length;
-    specs->put_line = 0;
+    specs->put_line = specs->coded_bytes = 0;
     specs->coded_line = -1;
     file->current_line = 0;
     file->flags |= RIO_HEADER_DONE;
@@ -138,12 +138,14 @@ static void gather(const RFILE *file, sun_specs *specs, int pixels, int count, u
     }
 }
 
-static int put_stored(RFILE *file, const sun_specs *specs, int bytes)
+static int put_stored(RFILE *file, sun_specs *specs, int bytes)
 {
     if (specs->type != SUN_BYTE_RUNS)
         return rio_write_exact(file, specs->chunk, bytes);
     uint8_t coded[2 * SUN_CHUNK];
-    return rio_write_exact(file, coded, sun_encode(specs->chunk, bytes, coded));
+    const int coded_bytes = sun_encode(specs->chunk, bytes, coded);
+    specs->coded_bytes += coded_bytes;
+    return rio_write_exact(file, coded, coded_bytes);
 }
 
 static int put_chunks(RFILE *file, sun_specs *specs, int count, uint8_t **lines)
@@ -199,4 +201,16 @@ int sun_put_rle_line(RFILE *file, const uint8_t *runs, int size)
         return rio_fail_status(file, RIO_BAD_VALUE, "SUN run lengths");
     uint8_t *lines[] = { line.get() };
     return sun_put_line(file, 1, lines) ? 0 : 1;
+}
+
+// Other programs read as many coded bytes as the header of a type 2 file says.
+void sun_close(RFILE *file)
+{
+    const sun_specs *specs = sun_of(file);
+    if (!specs || !specs->coded_bytes || specs->coded_bytes > UINT32_MAX)
+        return;
+    uint8_t length[4];
+    put_be_u32(length, uint32_t(specs->coded_bytes));
+    if (!rio_write_at(file, file->image_offset + SUN_LENGTH_OFFSET, length, 4))
+        rio_fail(file, RIO_WRITE_FAILED, "SUN header");
 }
