@@ -38,11 +38,11 @@ void draw_frame(bit_picture *picture, int x0, int y0, int x1, int y1, int line_w
 
 void draw_line(bit_picture *picture, float x0, float y0, float x1, float y1, float line_width)
 {
-    const float half = line_width / 2, dx = x1 - x0, dy = y1 - y0, length2 = std::max(dx * dx + dy * dy, 1e-6f);
+    const float half = line_width / 2, dx = x1 - x0, dy = y1 - y0, square = std::max(dx * dx + dy * dy, 1e-6f);
     for (int y = int(std::min(y0, y1) - half) - 1; y <= int(std::max(y0, y1) + half) + 1; y++)
         for (int x = int(std::min(x0, x1) - half) - 1; x <= int(std::max(x0, x1) + half) + 1; x++) {
             const float px = float(x) - x0, py = float(y) - y0;
-            const float along = std::clamp((px * dx + py * dy) / length2, 0.0f, 1.0f);
+            const float along = std::clamp((px * dx + py * dy) / square, 0.0f, 1.0f);
             if (std::hypot(px - along * dx, py - along * dy) <= half)
                 set_pixel(picture, x, y, true);
         }

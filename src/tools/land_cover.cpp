@@ -29,7 +29,7 @@ static block block_at(float x, float y)
         for (int32_t cx = i - 1; cx <= i + 1; cx++) {
             const float mx = (float(cx) + 0.15f + 0.7f * random_place(cx, cy, 71)) * BLOCK_PIXELS;
             const float my = (float(cy) + 0.15f + 0.7f * random_place(cx, cy, 72)) * BLOCK_PIXELS;
-            const float distance = std::hypot(x - mx, y - my);
+            const float distance = length(x - mx, y - my);
             if (distance < nearest) {
                 second = nearest;
                 nearest = distance;
@@ -44,10 +44,10 @@ static block block_at(float x, float y)
 }
 
 // Cuts a line into pieces of uneven length: the piece's number and the distance to its nearer end.
-static int32_t piece_at(float along, float length, int32_t salt, uint32_t seed, float *to_end)
+static int32_t piece_at(float along, float spacing, int32_t salt, uint32_t seed, float *to_end)
 {
-    const int32_t i = int32_t(std::floor(along / length));
-    const auto start = [=](int32_t k) { return (float(k) + 0.55f * (random_place(k, salt, seed) - 0.5f)) * length; };
+    const int32_t i = int32_t(std::floor(along / spacing));
+    const auto start = [=](int32_t k) { return (float(k) + 0.55f * (random_place(k, salt, seed) - 0.5f)) * spacing; };
     int32_t piece = i;
     if (along < start(i))
         piece = i - 1;
@@ -109,7 +109,7 @@ float building_density(const std::vector<settlement> &settlements, float x, floa
 {
     float densest = -1;
     for (const settlement &candidate : settlements) {
-        const float distance = std::hypot(x - candidate.x, y - candidate.y) / candidate.radius;
+        const float distance = length(x - candidate.x, y - candidate.y) / candidate.radius;
         if (distance < 1.6f && 1 - distance > densest) {
             densest = 1 - distance;
             *in = &candidate;

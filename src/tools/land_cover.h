@@ -19,7 +19,8 @@ colour woodland(float x, float y, float conifers);
 
 colour meadow(float x, float y);
 
-// How densely the place is built upon: 0 or less is open land, 0.6 the most of a village, 1 the middle of a town. *in is the settlement it is in.
+// How densely the place is built upon: 0 or less is open land, 0.6 the most of a village, 1 the middle of a town. *in
+// is the settlement it is in.
 float building_density(const std::vector<settlement> &settlements, float x, float y, const settlement **in);
 
 // Whether a house stands at the place of a town.

@@ -31,7 +31,7 @@ static float most_water_near(const float_grid &drained, int x, int y)
 static bool far_from_others(const std::vector<settlement> &others, int x, int y)
 {
     for (const settlement &other : others)
-        if (std::hypot(float(x) - other.x / SCENE_CELL_PIXELS, float(y) - other.y / SCENE_CELL_PIXELS) < VILLAGE_DISTANCE)
+        if (length(float(x) - other.x / SCENE_CELL_PIXELS, float(y) - other.y / SCENE_CELL_PIXELS) < VILLAGE_DISTANCE)
             return false;
     return true;
 }
@@ -47,7 +47,7 @@ static int32_t best_site(const terrain &land, const std::vector<settlement> &oth
             if (z.row(y)[x] < 4 || !far_from_others(others, x, y))
                 continue;
             const float aside = others.empty()
-                ? std::hypot(float(x) / float(z.width) - 0.52f, float(y) / float(z.height) - 0.60f) : 0;
+                ? length(float(x) / float(z.width) - 0.52f, float(y) / float(z.height) - 0.60f) : 0;
             const float worth = 0.35f * std::log(most_water_near(land.drained, x, y)) - 26 * steepness(z, x, y)
                 - 0.009f * z.row(y)[x] - 7 * aside + 0.8f * random_place(x, y, 31);
             if (worth > best) {

@@ -1,4 +1,5 @@
 #include "tools/map_sheet.h"
+#include "tools/noise.h"
 #include <algorithm>
 #include <cmath>
 
@@ -51,7 +52,8 @@ static bool contour_at(float height, float slope)
     const float half_width = index_line ? 2.3f : 1.1f;
     const float gentle = 0.02f;                         // metres a pixel: flatter ground would blot
     const float steep = 2.6f;                           // steeper ground has room for the index contours only
-    return line > 0 && (index_line || slope < steep) && std::fabs(height - line * CONTOUR_METRES) < half_width * std::max(slope, gentle);
+    return line > 0 && (index_line || slope < steep)
+        && std::fabs(height - line * CONTOUR_METRES) < half_width * std::max(slope, gentle);
 }
 
 static bool water_lining(float height, float slope, int y)
@@ -63,9 +65,9 @@ static bool ground_ink(const map_layers &layers, int x, int y)
 {
     const float step = 1.0f / HEIGHT_STEP, gx = float(x - MAP_LEFT) * step, gy = float(y - MAP_TOP) * step;
     const float height = grid_linear(layers.heights, gx, gy);
-    const float fall_x = (grid_linear(layers.heights, gx + 0.5f, gy) - grid_linear(layers.heights, gx - 0.5f, gy)) * step;
-    const float fall_y = (grid_linear(layers.heights, gx, gy + 0.5f) - grid_linear(layers.heights, gx, gy - 0.5f)) * step;
-    const float slope = std::hypot(fall_x, fall_y);
+    const float_grid &z = layers.heights;
+    const float slope = step * length(grid_linear(z, gx + 0.5f, gy) - grid_linear(z, gx - 0.5f, gy),
+                                      grid_linear(z, gx, gy + 0.5f) - grid_linear(z, gx, gy - 0.5f));
     return contour_at(height, slope) || water_lining(height, slope, y);
 }
 
@@ -192,8 +194,10 @@ static void draw_margins(bit_picture *sheet, const sheet_fonts &fonts)
     draw_frame(sheet, MAP_LEFT - 5, MAP_TOP - 5, MAP_RIGHT + 5, MAP_BOTTOM + 5, 5);
     outline_text_draw(sheet, fonts.bold, MAP_LEFT, 380, "ALDERWICK AND TARN BAY", 210, 0);
     const std::string number = "SHEET 5";
-    outline_text_draw(sheet, fonts.plain, MAP_RIGHT - outline_text_width(fonts.plain, number, 130), 380, number, 130, 0);
-    outline_text_draw(sheet, fonts.italic, MAP_LEFT, 6780, "Drawn from an imagined landscape. Not for navigation.", 84, 0);
+    const float number_width = outline_text_width(fonts.plain, number, 130);
+    outline_text_draw(sheet, fonts.plain, MAP_RIGHT - number_width, 380, number, 130, 0);
+    outline_text_draw(sheet, fonts.italic, MAP_LEFT, 6780, "Drawn from an imagined landscape. Not for navigation.",
+                      84, 0);
 }
 
 bool draw_map_sheet(const landscape &scenery, const sheet_fonts &fonts, bit_picture *sheet)

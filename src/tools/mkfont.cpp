@@ -68,8 +68,8 @@ static int embed(const char *out, char **pairs, int count)
         if (!equals || !read_whole_file(equals + 1, &bytes))
             return say_failed(pairs[i], "no font to embed");
         append_array(&source, i, bytes);
-        table += "    { \"" + std::string(pairs[i], size_t(equals - pairs[i])) + "\", font_" + std::to_string(i) + ", sizeof font_"
-            + std::to_string(i) + " },\n";
+        const std::string name(pairs[i], size_t(equals - pairs[i])), array = "font_" + std::to_string(i);
+        table += "    { \"" + name + "\", " + array + ", sizeof " + array + " },\n";
     }
     source += table + "};\n\nconst int builtin_font_count = " + std::to_string(count) + ";\n";
     return write_whole_file(out, source.data(), source.size()) ? 0 : 1;

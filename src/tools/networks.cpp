@@ -1,4 +1,5 @@
 #include "tools/networks.h"
+#include "tools/noise.h"
 #include <algorithm>
 #include <cmath>
 #include <queue>
@@ -51,12 +52,12 @@ static void draw_stroke(float_grid *cover, place a, place b, float half_width)
     const int x0 = std::max(int(std::min(a.x, b.x) - reach), 0), y0 = std::max(int(std::min(a.y, b.y) - reach), 0);
     const int x1 = std::min(int(std::max(a.x, b.x) + reach), cover->width - 1);
     const int y1 = std::min(int(std::max(a.y, b.y) + reach), cover->height - 1);
-    const float dx = b.x - a.x, dy = b.y - a.y, length2 = std::max(dx * dx + dy * dy, 1e-6f);
+    const float dx = b.x - a.x, dy = b.y - a.y, square = std::max(dx * dx + dy * dy, 1e-6f);
     for (int y = y0; y <= y1; y++)
         for (int x = x0; x <= x1; x++) {
             const float px = float(x) - a.x, py = float(y) - a.y;
-            const float along = std::clamp((px * dx + py * dy) / length2, 0.0f, 1.0f);
-            const float distance = std::hypot(px - along * dx, py - along * dy);
+            const float along = std::clamp((px * dx + py * dy) / square, 0.0f, 1.0f);
+            const float distance = length(px - along * dx, py - along * dy);
             float &cell = cover->row(y)[x];
             cell = std::max(cell, std::clamp(half_width + 0.5f - distance, 0.0f, 1.0f));
         }
@@ -93,7 +94,8 @@ static float step_cost(const terrain &land, float cell_metres, int32_t from, int
     return cost * cells;
 }
 
-bool find_roads(const terrain &land, float cell_metres, int32_t root, const std::vector<int32_t> &targets, network *roads)
+bool find_roads(const terrain &land, float cell_metres, int32_t root, const std::vector<int32_t> &targets,
+                network *roads)
 {
     struct met { float cost; int32_t cell; };
     const auto dearer = [](const met &a, const met &b) {

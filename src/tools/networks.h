@@ -19,4 +19,5 @@ bool draw_network(const network &tree, float least, stroke_width width, int cell
 
 // Finds the easiest ways over land from every target cell to the root; steep ground and water are avoided. Fills the
 // network with the count of journeys. False without memory.
-bool find_roads(const terrain &land, float cell_metres, int32_t root, const std::vector<int32_t> &targets, network *roads);
+bool find_roads(const terrain &land, float cell_metres, int32_t root, const std::vector<int32_t> &targets,
+                network *roads);

@@ -1,5 +1,6 @@
 // noise.h - repeatable randomness for generated landscapes: the same seed and place give the same number always.
 #pragma once
+#include <cmath>
 #include <cstdint>
 
 // Well mixed bits of a lattice place.
@@ -16,3 +17,6 @@ float fractal_noise(float x, float y, int octaves, float gain, uint32_t seed);
 
 // 0 below `low`, 1 above `high`, a smooth step between.
 float smooth_step(float low, float high, float value);
+
+// Length of a way; the library's hypot guards against overflow, which pictures don't know, and is much slower.
+inline float length(float dx, float dy) { return std::sqrt(dx * dx + dy * dy); }

@@ -1,4 +1,8 @@
 // samples.h - writes the sample pictures: scene.ppm, scene_grey.pgm, sheet.pbm, elevation.pgm.
+//
+// How they come about: noise and float_grid are the ground that all stands on; terrain shapes heights by running water;
+// networks finds and draws rivers and roads; landscape puts them and the towns together (scene.h); land_cover and scene
+// paint the view from the air; map_sheet draws the map with bit_picture and outline_text.
 #pragma once
 #include <string>
 

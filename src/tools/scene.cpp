@@ -10,6 +10,7 @@ static constexpr float TREE_LINE = 560, SNOW_LINE = 780;
 struct ground {
     float height, slope;
     float light;                    // 1 on flat land
+    float wildness = 0;             // what tells woods from meadows and fields, about -1 to 1
 };
 
 // Sun in the upper left, 40 degrees high.
@@ -21,15 +22,16 @@ static ground ground_at(const float *above, const float *here, const float *belo
     const float fall_y = (below[x] - above[x]) / (2 * PIXEL_METRES);
     const float ex = exaggeration * fall_x, ey = exaggeration * fall_y;
     const float lit = (0.643f + 0.766f * 0.7071f * (ex + ey)) / std::sqrt(1 + ex * ex + ey * ey) / 0.643f;
-    return { here[x], std::hypot(fall_x, fall_y), std::clamp(lit, 0.0f, 1.7f) };
+    return { .height = here[x], .slope = length(fall_x, fall_y), .light = std::clamp(lit, 0.0f, 1.7f) };
 }
 
 static colour wild_land(float x, float y, const ground &at)
 {
-    const float patch = fractal_noise(x / 150, y / 150, 5, 0.55f, 50);
     const float high = at.height + 70 * fractal_noise(x / 70, y / 70, 4, 0.55f, 52);
-    const float wood = smooth_step(-0.02f, 0.05f, patch + 1.3f * at.slope - 0.16f) * (1 - smooth_step(TREE_LINE - 40, TREE_LINE + 30, high));
-    const float rock = std::max(smooth_step(0.62f, 0.95f, at.slope + 0.25f * patch), smooth_step(TREE_LINE + 40, SNOW_LINE, high));
+    const float wood = smooth_step(-0.02f, 0.05f, at.wildness + 1.3f * at.slope - 0.16f)
+        * (1 - smooth_step(TREE_LINE - 40, TREE_LINE + 30, high));
+    const float rock = std::max(smooth_step(0.62f, 0.95f, at.slope + 0.25f * at.wildness),
+                                smooth_step(TREE_LINE + 40, SNOW_LINE, high));
     const float snow = smooth_step(SNOW_LINE - 15, SNOW_LINE + 25, high - 110 * (at.slope - 0.35f));
     const float strata = 0.12f * fractal_noise(x / 14, y / 14, 4, 0.6f, 53);
     colour cover = mix(meadow(x, y), brighten({ 132, 122, 110 }, 1 + strata), rock);
@@ -38,24 +40,25 @@ static colour wild_land(float x, float y, const ground &at)
     return mix(cover, { 238, 241, 246 }, snow);
 }
 
-static float farmed_share(float x, float y, const ground &at)
+static float farmed_share(const ground &at)
 {
-    const float patch = fractal_noise(x / 150, y / 150, 5, 0.55f, 50);
-    return (1 - smooth_step(0.10f, 0.16f, at.slope)) * (1 - smooth_step(0.06f, 0.10f, patch - 0.10f))
+    return (1 - smooth_step(0.10f, 0.16f, at.slope)) * (1 - smooth_step(0.06f, 0.10f, at.wildness - 0.10f))
         * (1 - smooth_step(150, 230, at.height)) * smooth_step(1.2f, 2.2f, at.height);
 }
 
 static colour sea(float x, float y, float depth)
 {
-    const float swell = 0.025f * noise(x / 9 + y / 20, y / 6, 54) + 0.05f * fractal_noise(x / 120, y / 120, 3, 0.5f, 55);
+    const float swell = 0.025f * noise(x / 9 + y / 20, y / 6, 54)
+        + 0.05f * fractal_noise(x / 120, y / 120, 3, 0.5f, 55);
     const colour shallow = mix({ 96, 128, 116 }, { 44, 88, 104 }, smooth_step(0, 4, depth));
     return brighten(mix(shallow, { 16, 44, 70 }, smooth_step(2, 20, depth)), 1 + swell);
 }
 
-static colour dry_land(const landscape &scenery, float x, float y, const ground &at)
+static colour dry_land(const landscape &scenery, float x, float y, ground at)
 {
+    at.wildness = fractal_noise(x / 150, y / 150, 5, 0.55f, 50);
     colour cover = wild_land(x, y, at);
-    const float farmed = farmed_share(x, y, at);
+    const float farmed = farmed_share(at);
     if (farmed > 0)
         cover = mix(cover, farmland(x, y), farmed);
     const settlement *in = nullptr;

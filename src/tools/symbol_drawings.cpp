@@ -77,7 +77,8 @@ bool symbols_from_drawings(const std::string &text, font_set *set, std::string *
         const std::string name = mask ? full.substr(0, full.size() - mask_ending.size()) : full;
         const auto found = drawings.find(name);
         *error = name + " has no drawing, or one with uneven rows";
-        if (found == drawings.end() || !even_rows(found->second) || !add_glyph(set, code, glyph_of(found->second, mask)))
+        if (found == drawings.end() || !even_rows(found->second)
+            || !add_glyph(set, code, glyph_of(found->second, mask)))
             return false;
         drawn += !mask;
     }

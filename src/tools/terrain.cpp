@@ -6,7 +6,7 @@
 
 static constexpr int ROUNDS = 30;               // of rise and erosion
 static constexpr float SEA_LEVEL = 0;
-static constexpr float EROSION = 0.075f;        // share of the drop to the next cell lost in a round, for one cell's water
+static constexpr float EROSION = 0.075f;        // share of a cell's drop lost in a round, with the water of one cell
 static constexpr float HILLSLOPE_CREEP = 0.08f; // how far a round evens out neighbours
 
 // How far inland a place is: 0 at the low corner of the sea, 1 at the high corner.
