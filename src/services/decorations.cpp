@@ -2,6 +2,7 @@
 #include "services/compose.h"
 #include "services/symbols.h"
 #include <algorithm>
+#include <cstring>
 
 static constexpr int BORDER = 4;       // left, right and below; the caption has EDGE above it
 static constexpr int EDGE = 3;
@@ -126,6 +127,30 @@ static void paint_symbol_centred(int symbol, const ws_rect &box, int shift, uint
     paint_symbol(symbol, box.x0 + (box.x1 - box.x0 + 1 - width) / 2 + shift, box.y0 + (box.y1 - box.y0 + 1 - height) / 2 + shift, colour);
 }
 
+// A text that is too long for its place ends in dots.
+static void paint_title(int font, int x, int y, int x_end, const char *title, uint32_t colour)
+{
+    static constexpr char dots[] = "...";
+    const int length = int(strlen(title));
+    int width = 0, dots_width = 0;
+    ws_text_width(font, title, length, &width);
+    ws_text_width(font, dots, 3, &dots_width);
+    if (x + width - 1 <= x_end) {
+        paint_text(font, x, y, x_end, title, colour);
+        return;
+    }
+    char cut[WS_TITLE_MAX + sizeof dots] = "";
+    for (int kept = length; kept > 0; kept--) {
+        ws_text_width(font, title, kept, &width);
+        if (x + width + dots_width - 1 <= x_end) {
+            memcpy(cut, title, size_t(kept));
+            break;
+        }
+    }
+    strcat(cut, dots);
+    paint_text(font, x, y, x_end, cut, colour);
+}
+
 static void paint_button(int w, const window_record &window, window_part part, int symbol)
 {
     const ws_rect box = button_rect(window, part);
@@ -141,8 +166,8 @@ static void paint_caption(int w, const window_record &window)
     const ws_rect caption = caption_rect(window);
     paint_fill(caption, active ? UI_ACCENT : UI_IDLE);
     const int title_end = button_rect(window, PART_COLLAPSE_BUTTON).x0 - TITLE_GAP;
-    paint_text(ui_bold_font(), caption.x0 + TITLE_GAP, caption.y0 + CAPTION_ROOM / 2, title_end, window.title,
-               active ? UI_ACCENT_TEXT : UI_IDLE_TEXT);
+    paint_title(ui_bold_font(), caption.x0 + TITLE_GAP, caption.y0 + CAPTION_ROOM / 2, title_end, window.title,
+                active ? UI_ACCENT_TEXT : UI_IDLE_TEXT);
     paint_button(w, window, PART_COLLAPSE_BUTTON, SYM_COLLAPSE);
     paint_button(w, window, PART_CLOSE_BUTTON, SYM_CLOSE);
 }
@@ -225,5 +250,5 @@ void icon_paint(int w)
     paint_symbol_centred(SYM_PICTURE_MASK, picture, 0, UI_PAPER);
     paint_symbol_centred(SYM_PICTURE, picture, 0, UI_TEXT);
     const int text_y = r.y0 + (ICON_HEIGHT - line_height()) / 2;
-    paint_text(ui_font(), r.x0 + ICON_TEXT_X, text_y, r.x1 - 6, ws_state.windows[w].title, UI_TEXT);
+    paint_title(ui_font(), r.x0 + ICON_TEXT_X, text_y, r.x1 - 6, ws_state.windows[w].title, UI_TEXT);
 }
