@@ -46,8 +46,8 @@ endforeach()
 # The symbols, under the name that the application asks for and the one that form files name.
 foreach(name kestrel.sym GXsym)
   set(out ${KESTREL_TARN}/Kestrel/${name})
-  add_custom_command(OUTPUT ${out} COMMAND kestrel-mkdata symbols ${PROJECT_SOURCE_DIR}/data/symbols.txt ${out}
-    DEPENDS kestrel-mkdata ${PROJECT_SOURCE_DIR}/data/symbols.txt VERBATIM)
+  add_custom_command(OUTPUT ${out} COMMAND kestrel-mkfont symbols ${PROJECT_SOURCE_DIR}/data/symbols.txt ${out}
+    DEPENDS kestrel-mkfont ${PROJECT_SOURCE_DIR}/data/symbols.txt VERBATIM)
   list(APPEND kestrel_font_files ${out})
 endforeach()
 
@@ -82,7 +82,7 @@ foreach(name scene.ppm scene_grey.pgm sheet.pbm elevation.pgm)
   list(APPEND kestrel_samples ${KESTREL_TARN}/samples/${name})
 endforeach()
 add_custom_command(OUTPUT ${kestrel_samples}
-  COMMAND kestrel-mkdata samples ${KESTREL_TARN}/fonts ${KESTREL_TARN}/samples
+  COMMAND kestrel-mkdata ${KESTREL_TARN}/fonts ${KESTREL_TARN}/samples
   DEPENDS kestrel-mkdata ${kestrel_font_files} VERBATIM)
 
 add_custom_target(kestrel_data ALL DEPENDS ${kestrel_samples})

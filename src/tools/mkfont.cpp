@@ -1,13 +1,15 @@
-// kestrel-mkfont - makes Kestrel's fonts from outline fonts of the host when Kestrel is built.
+// kestrel-mkfont - makes Kestrel's fonts from outline fonts of the host, and its symbols, when Kestrel is built.
 #include "tools/bitmap_font.h"
 #include "tools/outline_font.h"
 #include "tools/output_file.h"
+#include "tools/symbol_drawings.h"
 #include <cstdlib>
 #include <cstring>
 
 static constexpr const char *usage =
     "usage: kestrel-mkfont bitmap FONT.ttf LINE_HEIGHT OUT     a bitmap font of that line height in pixels\n"
     "       kestrel-mkfont outline FONT.ttf OUT.sf             an outline font for text in images\n"
+    "       kestrel-mkfont symbols DRAWINGS.txt OUT            a symbol file from drawings in characters\n"
     "       kestrel-mkfont embed OUT.cpp NAME=FILE...          font files as the table of services/builtin_fonts.h\n";
 
 static int say_failed(const char *name, const std::string &error)
@@ -48,6 +50,19 @@ static int outline_file(const char *ttf, const char *out)
     return write_whole_file(out, file.data(), file.size()) ? 0 : 1;
 }
 
+static int symbols(const char *drawings, const char *out)
+{
+    std::vector<uint8_t> text, file;
+    if (!read_whole_file(drawings, &text))
+        return 1;
+    font_set set;
+    std::string error;
+    if (!symbols_from_drawings(std::string(text.begin(), text.end()), &set, &error)
+        || !font_file_bytes(set, &file, &error))
+        return say_failed(drawings, error);
+    return write_whole_file(out, file.data(), file.size()) ? 0 : 1;
+}
+
 static void append_array(std::string *source, int number, const std::vector<uint8_t> &bytes)
 {
     *source += "\nstatic const uint8_t font_" + std::to_string(number) + "[] = {";
@@ -82,6 +97,8 @@ int main(int argc, char **argv)
         return bitmap(argv[2], argv[3], argv[4]);
     if (what == "outline" && argc == 4)
         return outline_file(argv[2], argv[3]);
+    if (what == "symbols" && argc == 4)
+        return symbols(argv[2], argv[3]);
     if (what == "embed" && argc > 3)
         return embed(argv[2], argv + 3, argc - 3);
     std::fputs(usage, what == "--help" ? stdout : stderr);
