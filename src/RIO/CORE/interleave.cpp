@@ -5,7 +5,7 @@
 struct sample_rows {
     mem_ptr<uint8_t> block;
     uint8_t *row[4];
-    int count;
+    int width;
     int step;       // bytes a pixel in the interleaved line
 };
 
@@ -18,12 +18,12 @@ static int needs_rows(RFILE *file, int *samples)
 
 static int rows_alloc(RFILE *file, int samples, sample_rows *rows)
 {
-    rows->block.reset((uint8_t *)mem_alloc(size_t(samples) * size_t(file->width)));
+    rows->width = file->flags & RIO_SQUETCH ? file->squetch->out_width : file->width;
+    rows->block.reset((uint8_t *)mem_alloc(size_t(samples) * size_t(rows->width)));
     if (!rows->block)
         return rio_fail(file, RIO_NO_MEMORY, "interleaved line");
     for (int s = 0; s < samples; s++)
-        rows->row[s] = rows->block.get() + size_t(s) * size_t(file->width);
-    rows->count = samples;
+        rows->row[s] = rows->block.get() + size_t(s) * size_t(rows->width);
     rows->step = file->flags & RIO_PAD4 ? 4 : samples;
     return 1;
 }
@@ -39,12 +39,16 @@ int rio_dummy_getline_interleaved(RFILE *file, uint8_t *buffer)
     sample_rows rows;
     if (!rows_alloc(file, samples, &rows))
         return 0;
+    // The rows themselves are planes.
+    const uint32_t interleave = file->flags & RIO_INTERLEAVE;
+    file->flags &= ~interleave;
     const int result = file->ops.getline(file, samples, rows.row);
+    file->flags |= interleave;
     if (result == 0 || !buffer)
         return result;
     for (int s = 0; s < samples; s++) {
         uint8_t *out = buffer + s;
-        for (int x = 0; x < file->width; x++, out += rows.step)
+        for (int x = 0; x < rows.width; x++, out += rows.step)
             *out = rows.row[s][x];
     }
     return result;
@@ -63,8 +67,12 @@ int rio_dummy_putline_interleaved(RFILE *file, uint8_t *buffer)
         return 0;
     for (int s = 0; s < samples; s++) {
         const uint8_t *in = buffer + s;
-        for (int x = 0; x < file->width; x++, in += rows.step)
+        for (int x = 0; x < rows.width; x++, in += rows.step)
             rows.row[s][x] = *in;
     }
-    return file->ops.putline(file, samples, rows.row);
+    const uint32_t interleave = file->flags & RIO_INTERLEAVE;
+    file->flags &= ~interleave;
+    const int result = file->ops.putline(file, samples, rows.row);
+    file->flags |= interleave;
+    return result;
 }

@@ -14,8 +14,8 @@
 // RIO/CORE in reading order:
 //   rio_slots.h     the slots and their names        dummy.cpp       what a slot does that no format filled
 //   fileops.cpp     streams, handles, bytes          fakefile.cpp    files in memory and mapped files
-//   open.cpp        the five ways of opening         format_table.cpp  detection and write-init, a row a format
-//   standard.cpp    binding a format to a new file   close.cpp       freeing
+//   open.cpp        the five ways of opening         format_table.cpp detection and write-init, a row a format
+//   standard.cpp    binding a format to a new file   record.cpp      start and end of the record
 //   getline.cpp, putline.cpp, position.cpp           public line calls, checks, colour tables
 //   gettile.cpp, puttile.cpp                         tiles to lines and back
 //   squetch.cpp     lines at another size            info.cpp        header keys
@@ -71,8 +71,14 @@ struct rio_file_ops {
 
 extern const rio_file_ops rio_stream_ops;
 extern const rio_file_ops rio_handle_ops;
-extern const rio_file_ops rio_memory_ops;
+extern const rio_file_ops rio_memory_ops;   // its f_open takes no name: it makes an empty record
 extern const rio_file_ops rio_mapped_ops;
+
+// What the handle set takes.
+struct rio_handle {
+    int fd;
+};
+void *rio_handle_of(int fd);    // null with no memory
 
 // A file reached through a sliding view, so that small reads are memory copies (fakefile.cpp).
 enum { RIO_VIEW_SIZE = 0x20000 };
@@ -91,14 +97,14 @@ struct rio_mapping {
 
 struct rio_squetch {
     int32_t out_width, out_height;
-    int32_t reserved;
+    int32_t in_width;           // pixels that in_lines has room for
     int32_t out_line;           // next output line
-    int32_t reserved2, reserved3;
     int32_t carry;              // 1/2048 of a source line left over from the last output line
-    int32_t planes;             // of in_lines and accum
-    uint8_t **in_lines;         // a source line for each sample
-    uint8_t **ahead;            // a squeezed line each: the row read ahead
-    int32_t **accum;            // out_width entries for each sample
+    int32_t planes;
+    uint8_t *in_lines[4];       // a source line for each sample
+    uint8_t *row[4];            // the squeezed line read last
+    uint8_t *older[4];          // the one before, when lines are interpolated
+    int64_t *accum[4];          // out_width entries for each sample
     uint32_t mode;              // rio_squeeze_mode
 };
 
@@ -195,6 +201,7 @@ struct RFILE {
     jpeg_state *jpeg = nullptr;             // owned through jpeg_release
     uint8_t *vlt = nullptr;                 // owned; 256 entries of red, green, blue; null without a colour table
     const rio_vlt_entry *vlt_entries = nullptr; // caller's entries for the header to be written
+    int32_t vlt_count = RIO_VLT_SIZE;       // of them, as key 6 said
     rio_squetch *squetch = nullptr;         // owned
     rio_tiles *tiles = nullptr;             // owned
     cit_state *ccitt = nullptr;             // owned through ccitt_free
@@ -205,6 +212,7 @@ struct RFILE {
     rio_mapping *mapping = nullptr;         // owned
     rio_ops ops;
     rio_file_ops io = rio_handle_ops;
+    bool spooled = false;                   // standard output: `stream` is a temporary file, sent on at close
     int32_t strip_lines = -1;               // bilevel codec: lines a strip
     void (*ccitt_free)(RFILE *file) = nullptr;  // set by whoever allocates ccitt
     int (*jpeg_release)(RFILE *file) = nullptr; // set by whoever allocates jpeg; 1: the board would not go
@@ -245,8 +253,7 @@ int64_t rio_file_size(RFILE *file);                                     // posit
 int rio_getc(RFILE *file);
 int rio_putc(RFILE *file, int byte);                                    // -1 failed
 
-// Opens `name` as the library opens names (path resolver, no directories) with a set of file operations; null failed.
-void *rio_open_named(const char *name, const char *mode, const rio_file_ops &ops);
+// How a module opens a further file by name: ops.f_open, which goes through the path resolver and refuses directories.
 
 // Copies the name to file_name; every open by name does it. 1; 0 with RIO_NO_MEMORY.
 int rio_set_name(RFILE *file, const char *name);
@@ -268,6 +275,8 @@ uint8_t *rio_alloc_vlt(RFILE *file);
 // Words of a bilevel row, and bytes of a row of any data type as it is handed out.
 inline int64_t rio_bitmap_words(int64_t width) { return (width + 15) / 16; }
 int64_t rio_line_bytes(const RFILE *file);
+// The same for `pixels` pixels, in a row of samples that a line function hands out in one buffer.
+int64_t rio_row_bytes(const RFILE *file, int64_t pixels);
 
 // ---- for line functions ------------------------------------------------------------------------------------------
 
@@ -287,13 +296,14 @@ void rio_translate_line(RFILE *file, uint8_t *first, uint8_t *second, uint8_t *t
 // Gray of fewer than 8 bits to the top of the byte, unless there is a colour table or RIO_NO_SHIFT.
 void rio_shift_line(RFILE *file, uint8_t *line, int count);
 
-// What a get_line of an index or gray file does at its end: with three buffers rio_translate_line. `count` pixels lie
-// in lines[0].
+// What a get_line of an index or gray file does at its end, with a line of `width` samples in lines[0]: rio_translate_line
+// for three buffers and more, rio_shift_line for fewer. `count` is the count of buffers.
 void rio_finish_line(RFILE *file, int count, uint8_t **lines);
 
 // Seek of a squeezed file: `text` names the format when the line is past the end. 0; 1 with RIO_PAST_END.
 int rio_squetch_seek(RFILE *file, int line, const char *text, int (*seek)(RFILE *file, int line));
 void rio_squetch_rewind(RFILE *file);
+void rio_free_squetch(RFILE *file);
 // One squeezed line. Pixels; 0 failed.
 int rio_squetch_getline(RFILE *file, int count, uint8_t **lines);
 
@@ -302,13 +312,13 @@ int rio_squetch_getline(RFILE *file, int count, uint8_t **lines);
 // For get_hdr_data slots: stores an i32 and answers 0. A key that a format does not know stores 0 this way.
 int rio_answer(void *value, int32_t answer);
 
-// Lines of the get_hdr_data and get_stat slots that every format shares. The core has answered the keys of its own by
-// then: 1, 2, 31, 32, 35, 36, 404 to 407, 500, 506 to 508, 701, 702. This one answers 3 (data_type), 5 and 6 by `vlt`, 9
-// by 4, 26 by 1.0, 100 to 104 by the tile record, 402 and 403; the matrix of key 4 is left as it comes (the core fills
-// in the identity), and any other key stores 0.
+// Slots that every plain format shares. The core answers keys 1, 2, 31, 32, 35, 36, 402 to 407, 500, 506, 507, 701 and 702
+// by itself. The get answers 3 by data_type, 5 and 6 by `vlt`, 9 by 4, 26 by 1.0, 100 to 104 by the tile record; the matrix
+// of key 4 and the numbers of 22 to 25, 27 to 30 are left as they come (the core fills in the identity, and zeros), texts
+// are empty, and any other key stores 0.
 int rio_plain_get_hdr_data(RFILE *file, int key, void *value);
-// The same for sets: width, height, type, samples and bits are stored by the core; this one takes key 3 into data_type
-// with the shape that the type fixes, key 6 into nothing, and any other in silence.
+// The same for sets: key 3 goes into data_type with the shape that the type fixes, key 6 into vlt_count, any other is
+// taken in silence. The core has stored keys 1, 2, 31, 506 and 507 before the slot is called.
 int rio_plain_set_hdr_data(RFILE *file, int key, const void *value);
 int rio_plain_get_stat(RFILE *file, rio_stat *stat);
 int rio_plain_set_stat(RFILE *file, const rio_stat *stat);
@@ -346,8 +356,20 @@ void rio_leave(RFILE *file);
 
 // ---- opening -------------------------------------------------------------------------------------------------------
 
-// A record with every field at its start; null with RIO_NO_MEMORY.
+// A record with every field at its start; null with RIO_NO_MEMORY. And its end: what it owns, then itself.
 RFILE *rio_new_record();
+void rio_free_record(RFILE *file);
+// Closes the stream, with its mapping. The standard input is left open; spooled output is sent on.
+void rio_close_stream(RFILE *file);
+// RIO_DEBUG from the environment into rio_debug, when it is there.
+void rio_read_debug_environment();
+
+// The one list of formats (format_table.cpp). Detection: the opened record, or null with rio_errno set; the record has
+// then been freed. Write-init: its status; *known tells whether there is such a format.
+RFILE *rio_detect_and_open(RFILE *file, const char *name);
+int rio_write_init(RFILE *file, int id, bool *known);
+// rio_open_w on an existing catalogue file.
+RFILE *rio_open_catalogue_entry(RFILE *file);
 // rio_set_standard's work for a record that is locked or not yet shared.
 int rio_bind_standard(RFILE *file, int id);
 // The public header write for a record that is locked.

@@ -1,0 +1,93 @@
+// ntvinit.cpp - the start of a new native file, and the slots that the format fills.
+#include "RIO/CORE/line_runs.h"
+#include "RIO/NATV/ntv.h"
+
+void natv_start_header(RFILE *file)
+{
+    natv_specs *specs = natv(file);
+    *specs = {};
+    specs->line_header[0] = NATV_LINE_HEADER_ID;
+    specs->pixels_per_line = file->width;
+    specs->line_count = file->height;
+    specs->data_type = RIO_TYPE_BYTE;
+    natv_put_u16(file, NATV_BLOCK_TYPE, NATV_MAGIC);
+    natv_put_u16(file, NATV_WORDS, NATV_DEFAULT_WORDS);
+    natv_put_u16(file, NATV_DATA_TYPE, RIO_TYPE_BYTE);
+    natv_put_u32(file, NATV_WIDTH, file->width);
+    natv_put_u32(file, NATV_HEIGHT, file->height);
+    specs->header[NATV_ORIENTATION] = 4;
+    specs->header[NATV_VERSION] = NATV_VERSION_WRITTEN;
+    put_le_f64(specs->header + NATV_ASPECT_RATIO, 1.0);
+    for (int i = 0; i < 4; i++)
+        put_le_f64(specs->header + NATV_TRANSFORM + 5 * i * int(sizeof(double)), 1.0);
+}
+
+void natv_free_specs(RFILE *file)
+{
+    natv_specs *specs = natv(file);
+    if (!specs)
+        return;
+    mem_free(specs->tile_buffer);
+    mem_free(specs->overview_dir.bytes);
+    mem_free(specs->jpeg_packet.bytes);
+    mem_free(specs->encode_buffer);
+}
+
+static int natv_init_std_hdr(RFILE *file, RFILE *target)
+{
+    if (!rio_valid(target, "init std hdr"))
+        return 1;
+    rio_stat stat;
+    return natv_get_stat(file, &stat) != 0 || target->ops.set_stat(target, &stat) != 0;
+}
+
+static int64_t natv_get_image_offset(RFILE *file) { return file->image_offset; }
+
+static constexpr rio_ops natv_ops = [] {
+    rio_ops ops {};
+    ops.getline = rio_common_getline;
+    ops.get_line = natv_get_line;
+    ops.getlinefromtile = rio_getlinefromtile;
+    ops.putline = rio_common_putline;
+    ops.put_line = natv_put_line;
+    ops.get_hdr_data = natv_get_hdr_data;
+    ops.set_hdr_data = natv_set_hdr_data;
+    ops.get_stat = natv_get_stat;
+    ops.set_stat = natv_set_stat;
+    ops.get_vlt = rio_plain_get_vlt;
+    ops.get_format = rio_plain_get_format;
+    ops.get_packet = natv_get_packet;
+    ops.put_packet = natv_put_packet;
+    ops.copydata = rio_copy_lines;
+    ops.init_std_hdr = natv_init_std_hdr;
+    ops.setactiveov = natv_set_active_ov;
+    ops.wrt_hdr = natv_write_header;
+    ops.seek = natv_seek;
+    ops.get_image_count = rio_single_get_image_count;
+    ops.set_image_count = rio_single_set_image_count;
+    ops.set_active_image = rio_single_set_active_image;
+    ops.randomize = rio_plain_randomize;
+    ops.rewind = natv_rewind;
+    ops.close = rio_plain_close;
+    ops.free_specs = natv_free_specs;
+    ops.get_image_offset = natv_get_image_offset;
+    return ops;
+}();
+
+void natv_bind(RFILE *file)
+{
+    file->standard = RIO_FORMAT_NATV;
+    file->flags |= RIO_NATV;
+    file->ops = natv_ops;
+}
+
+int natv_init_w(RFILE *file)
+{
+    if (!rio_alloc_specs(file, sizeof(natv_specs)))
+        return 1;
+    natv_bind(file);
+    natv_start_header(file);
+    natv_put_u16(file, NATV_DATA_TYPE, int(file->data_type));
+    natv(file)->data_type = file->data_type;
+    return 0;
+}
