@@ -221,6 +221,11 @@ void queue_delete(int w)
         deletes.push_back(w);
 }
 
+bool delete_is_queued(int w)
+{
+    return std::find(deletes.begin(), deletes.end(), w) != deletes.end();
+}
+
 void queue_timer(int number)
 {
     if (event_enabled(WS_TIMER) && std::find(timer_events.begin(), timer_events.end(), number) == timer_events.end())

@@ -10,6 +10,8 @@
 #include <cctype>
 #include <cstdlib>
 
+ws_hooks ws_application_hooks;
+
 static constexpr int MOUSE_BUTTONS = 3;
 static constexpr uint32_t ECHO_MS = 50;      // an Alt+letter's own text event comes within this time
 static constexpr int POINTER_PAUSE_MS = 8;   // between two looks at a pointer that rests
