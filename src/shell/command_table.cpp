@@ -7,6 +7,10 @@
 #include "services/ws.h"
 #include "shell/diagnostics.h"
 #include "shell/startup.h"
+#include "store/image_path.h"
+#include "store/output_settings.h"
+#include "store/read_commands.h"
+#include "store/read_form.h"
 
 static void say_not_available(const char *keyword)
 {
@@ -20,8 +24,40 @@ static void say_not_available(const char *keyword)
 #define COMMAND(name) { #name, name, 0, 0, 0 },
 #define AWAITED(name) { #name, [] { say_not_available(#name); }, 0, 0, 0 },
 
-// The order carries no meaning but is kept: a search stops at the first match.
+// The order is kept: a search stops at the first match, and a user event of value 0 finds the first row without a menu item,
+// which is meant to be read_bin.
 command_row command_table[] = {
+    // reading images
+    COMMAND(read_bin)
+    COMMAND(read_tiled_bin)
+    COMMAND(read_tiled_bin_big)
+    COMMAND(read_raw_gray)
+    COMMAND(read_raw_gray_big)
+    COMMAND(read_raw_color)
+    COMMAND(read_raw_color_big)
+    COMMAND(read_cot_gray)
+    COMMAND(read_cot_gray_big)
+    COMMAND(read_cot_gray_rect)
+    COMMAND(read_tiled_cot_gray)
+    COMMAND(read_tiled_cot_gray_big)
+    COMMAND(read_cot_color)
+    COMMAND(read_cot_color_big)
+    COMMAND(read_cot_color_rect)
+    COMMAND(read_tiled_cot_color)
+    COMMAND(read_tiled_cot_color_big)
+    COMMAND(read_cot_color_index)
+    COMMAND(read_cot_color_index_big)
+    COMMAND(read_cot_color_index_rect)
+    COMMAND(read_rgb)
+    COMMAND(read_rgb_big)
+    COMMAND(read_rgb_rect)
+    COMMAND(read_tiled_rgb)
+    COMMAND(read_tiled_rgb_big)
+    COMMAND(read_image)
+    COMMAND(replace_band)
+    COMMAND(read_raw_single)
+    COMMAND(read_cot_single)
+    COMMAND(refetch_file)
     // start and end
     COMMAND(quit)
     // diagnostics
@@ -30,39 +66,8 @@ command_row command_table[] = {
     COMMAND(debug_band)
     COMMAND(debug_hist)
     // tile store
-    AWAITED(set_mem_limit)
-    AWAITED(set_tile_size)
-    // reading images
-    AWAITED(read_bin)
-    AWAITED(read_tiled_bin)
-    AWAITED(read_tiled_bin_big)
-    AWAITED(read_raw_gray)
-    AWAITED(read_raw_gray_big)
-    AWAITED(read_raw_color)
-    AWAITED(read_raw_color_big)
-    AWAITED(read_cot_gray)
-    AWAITED(read_cot_gray_big)
-    AWAITED(read_cot_gray_rect)
-    AWAITED(read_tiled_cot_gray)
-    AWAITED(read_tiled_cot_gray_big)
-    AWAITED(read_cot_color)
-    AWAITED(read_cot_color_big)
-    AWAITED(read_cot_color_rect)
-    AWAITED(read_tiled_cot_color)
-    AWAITED(read_tiled_cot_color_big)
-    AWAITED(read_cot_color_index)
-    AWAITED(read_cot_color_index_big)
-    AWAITED(read_cot_color_index_rect)
-    AWAITED(read_rgb)
-    AWAITED(read_rgb_big)
-    AWAITED(read_rgb_rect)
-    AWAITED(read_tiled_rgb)
-    AWAITED(read_tiled_rgb_big)
-    AWAITED(read_image)
-    AWAITED(replace_band)
-    AWAITED(read_raw_single)
-    AWAITED(read_cot_single)
-    AWAITED(refetch_file)
+    COMMAND(set_mem_limit)
+    COMMAND(set_tile_size)
     // writing images
     AWAITED(save_image)
     AWAITED(write_image)
@@ -81,10 +86,10 @@ command_row command_table[] = {
     AWAITED(write_rgb_rect)
     AWAITED(write_rgb_single)
     AWAITED(write_rgb_single_rect)
-    AWAITED(set_fwrite_range)
-    AWAITED(set_fwrite_tile_size)
-    AWAITED(set_fwrite_incr)
-    AWAITED(set_path_name)
+    COMMAND(set_fwrite_range)
+    COMMAND(set_fwrite_tile_size)
+    COMMAND(set_fwrite_incr)
+    COMMAND(set_path_name)
     // navigation
     COMMAND(zoom_in)
     COMMAND(zoom_out)

@@ -1,5 +1,6 @@
 #include "shell/menu.h"
 
+#include <cstdlib>
 #include <cstring>
 
 #include "services/ws_menu.h"
@@ -185,4 +186,46 @@ void run_menu_id(uint32_t id)
 {
     if (const command_row *row = command_find_id(id))
         row->handler();
+}
+
+// 1 when `text` without its mnemonic marks is the first `length` characters of `wanted`, with or without the dots.
+static int item_is_called(const char *text, const char *wanted, size_t length)
+{
+    char shown[64];
+    size_t count = 0;
+    for (; *text && count < sizeof shown; text++)
+        if (*text != '&')
+            shown[count++] = *text;
+    const bool dots = count > 3 && std::strncmp(shown + count - 3, "...", 3) == 0;
+    return (length == count || (dots && length == count - 3)) && std::strncmp(shown, wanted, length) == 0;
+}
+
+// Item texts may hold a '/' themselves ("Clip In/Out..."): a name matches when the whole rest of the path does.
+static int find_below(int first, int depth, const char *path)
+{
+    for (int i = first; i < menu_tree_count && menu_tree[i].depth >= depth; i++) {
+        const menu_item &item = menu_tree[i];
+        if (item.depth != depth || !item.text)
+            continue;
+        if (item.id != 0 && item_is_called(item.text, path, std::strlen(path)))
+            return item.id;
+        for (const char *slash = std::strchr(path, '/'); slash && item.id == 0; slash = std::strchr(slash + 1, '/')) {
+            const int id = item_is_called(item.text, path, size_t(slash - path)) ? find_below(i + 1, depth + 1, slash + 1) : -1;
+            if (id >= 0)
+                return id;
+        }
+    }
+    return -1;
+}
+
+int menu_id_of(const char *path)
+{
+    char *end;
+    const long number = std::strtol(path, &end, 10);
+    if (end == path || *end)
+        return find_below(0, 0, path);
+    for (const menu_item &item : menu_tree)
+        if (item.id != 0 && item.id == number)
+            return item.id;
+    return -1;
 }

@@ -19,3 +19,6 @@ void menu_enable(const char *keyword, int on);
 void menu_cut_mode(bool on);           // while the cut window is up
 void menu_update_split();              // split_screen_enable: enabled exactly when picture_count is 1 and no split is on
 void run_menu_id(uint32_t id);         // the first row with that identifier; unknown ones do nothing
+
+// The identifier of "40017", "View/Zoom In" or "Transforms/Mono/Red": texts without '&'; the dots behind may be left out. -1: no such item.
+int menu_id_of(const char *path);

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 #include "RIO/rio.h"
 #include "services/hostpath.h"
@@ -106,11 +107,9 @@ static int opening_is_allowed()
     return ws_menu_enabled(int(command_find("read_image")->menu_id)) == 1;
 }
 
-static void refuse_dropped(const char *why)
+static void refuse_dropped(const std::string &why)
 {
-    char text[160];
-    std::snprintf(text, sizeof text, why, dropped);
-    msg_put(MSG_STATUS, MSG_CENTRED, text);
+    msg_put(MSG_STATUS, MSG_CENTRED, why.c_str());
     beep(BEEP_ERROR);
 }
 
@@ -118,14 +117,14 @@ void open_dropped_file()
 {
     char name[APP_PATH_MAX];
     if (!opening_is_allowed()) {
-        refuse_dropped("%s cannot be opened now");
+        refuse_dropped(std::string(dropped) + " cannot be opened now");
         return;
     }
     if (ask_save_on_exit() == 0)
         return;
     const reader_choice reader = named_path(dropped, name, sizeof name) ? named_reader(name, dropped) : READER_NONE;
     if (reader == READER_NONE)
-        refuse_dropped("Unable to open file %s");
+        refuse_dropped(std::string("Unable to open file ") + dropped);
     else
         open_named(reader, name);
 }

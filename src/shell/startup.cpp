@@ -246,7 +246,7 @@ static void main_loop()
     }
 }
 
-static void end_session()
+void main_end()
 {
     if (start_vlt_count > 0)
         ws_write_vlt(screen_no, start_vlt, start_vlt_count);
@@ -267,6 +267,6 @@ int kestrel_run(int argc, char **argv)
             command_find("read_image")->handler();
         main_loop();
     }
-    end_session();
+    main_end();
     return exit_status;
 }
