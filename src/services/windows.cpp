@@ -67,8 +67,10 @@ void windows_start()
 
 void windows_stop()
 {
-    for (window_record &window : ws_state.windows)
-        store_free(window.store);
+    for (int w = 0; w < WS_WINDOWS; w++) {
+        store_free(ws_state.windows[w].store);
+        decorations_forget(w);
+    }
     for (int i = 0; i < ws_state.popup_depth; i++)
         store_free(ws_state.popup_saved[i].store);
     store_pool_free();

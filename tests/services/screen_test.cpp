@@ -137,6 +137,7 @@ TEST(Screen, NoMemoryForThePictureIsAnError)
 TEST(Screen, AnyFailureOfMemoryIsSurvived)
 {
     report_hook = keep_report;
+    int failed = 0;
     for (int n = 0; n < 40; n++) {
         memory_backend_configure(200, 100, TRUE_COLOUR, 0);
         ws_use_backend(&backend_memory);
@@ -154,11 +155,17 @@ TEST(Screen, AnyFailureOfMemoryIsSurvived)
             ws_popup_open(0, 50, 10, 120, 60);
             ws_fill_rect(0, 0, 0, 5, 5);
             compose_and_present();
-            ws_popup_end(0);
+            EXPECT_EQ(ws_popup_end(0), 0);
+            EXPECT_EQ(ws_window_shown(w), 1);
             ws_delete_window(w);
             ws_exit();
         }
+        EXPECT_FALSE(ws_state.entered);
+        failed += mem_fail_countdown == -1;
     }
+    // Memory screen, colour table, picture; the pixels of frame, window, resized window and pop-up; the saved area.
+    EXPECT_GE(failed, 8);
+    EXPECT_LT(failed, 40);             // the last round had all its memory
     mem_fail_countdown = -1;
     report_hook = nullptr;
 }
