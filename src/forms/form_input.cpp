@@ -311,6 +311,11 @@ static int key_direction(int key)
     return key == WS_KEY_LEFT || key == WS_KEY_UP ? -1 : key == WS_KEY_RIGHT || key == WS_KEY_DOWN ? 1 : 0;
 }
 
+static int is_button(const gadget *g)
+{
+    return g->kind == GADGET_BUTTON || g->kind == GADGET_ACCEPT || g->kind == GADGET_CANCEL;
+}
+
 static void key_return(form *f)
 {
     gadget *const g = f->focus;
@@ -321,7 +326,7 @@ static void key_return(form *f)
             focus_give(f, next, 1);
             return;
         }
-    } else if (g && (g->kind == GADGET_BUTTON || g->kind == GADGET_ACCEPT || g->kind == GADGET_CANCEL)) {
+    } else if (g && is_button(g)) {
         press_button(f, g);
         return;
     } else if (g && g->kind == GADGET_LIST && g->picked >= 0) {
@@ -338,7 +343,7 @@ static void key_tab(form *f, int direction)
         focus_step(f, direction);
 }
 
-static int key_in_slider(form *f, gadget *g, int key)
+static void key_in_slider(form *f, gadget *g, int key)
 {
     double value = g->position;
     switch (key) {
@@ -348,13 +353,12 @@ static int key_in_slider(form *f, gadget *g, int key)
     case WS_KEY_UP:    value += slider_key_step(g); break;
     case WS_KEY_HOME:  value = g->low; break;
     case WS_KEY_END:   value = g->high; break;
-    default:           return 0;
+    default:           return;
     }
     slide_to(f, g, slider_nearest(g, value));
-    return 1;
 }
 
-static int key_in_list(form *f, gadget *g, int key)
+static void key_in_list(form *f, gadget *g, int key)
 {
     int item = g->picked;
     if (key == WS_KEY_UP || key == WS_KEY_DOWN)
@@ -367,72 +371,57 @@ static int key_in_list(form *f, gadget *g, int key)
         item = list_find_initial(g, key);
     if (item >= 0 && item < g->item_count && item != g->picked)
         pick_item(f, g, item, 0);
-    return 1;
 }
 
-static int key_in_radio(form *f, gadget *g, int key)
+static void key_in_radio(form *f, gadget *g, int key)
 {
-    gadget *const next = key_direction(key) ? radio_in_group(f, g, key_direction(key)) : nullptr;
-    if (!next)
-        return 0;
-    if (next != g) {
+    gadget *const next = radio_in_group(f, g, key_direction(key));
+    if (next && next != g) {
         focus_give(f, next, 0);
         choose_radio(f, next);
     }
-    return 1;
 }
 
-static int key_in_button(form *f, gadget *g, int key)
+static void key_in_button(form *f, gadget *g, int key)
 {
-    const int direction = key_direction(key), count = f->gadget_count;
+    const int count = f->gadget_count;
     const int start = int(std::find(f->gadgets, f->gadgets + count, g) - f->gadgets);
-    for (int i = 1; direction && i < count; i++) {
-        gadget *const other = f->gadgets[(start + direction * i + count) % count];
-        if (gadget_is_live(other) && (other->kind == GADGET_BUTTON || other->kind == GADGET_ACCEPT || other->kind == GADGET_CANCEL)) {
+    for (int i = 1; i < count; i++) {
+        gadget *const other = f->gadgets[(start + key_direction(key) * i + count) % count];
+        if (gadget_is_live(other) && is_button(other)) {
             focus_give(f, other, 0);
-            return 1;
+            return;
         }
     }
-    return direction != 0;
 }
 
-// Up and Down that the focus has no use for, as the wheel sends them, scroll the list under the pointer.
-static void scroll_list_under_pointer(form *f, int key)
+// The wheel comes as Up and Down keys: they go to the list under the pointer, unless that list has the focus.
+static gadget *list_under_pointer(form *f)
 {
     int x, y, inside;
-    if ((key != WS_KEY_UP && key != WS_KEY_DOWN) || ws_pointer_in_window(f->window, &x, &y, &inside) != 0 || !inside)
-        return;
+    if (ws_pointer_in_window(f->window, &x, &y, &inside) != 0 || !inside)
+        return nullptr;
     gadget *const g = gadget_at(f, x, y);
-    if (g && g->kind == GADGET_LIST)
-        scroll_by(f, g, key_direction(key));
+    return g && g->kind == GADGET_LIST && g != f->focus ? g : nullptr;
 }
 
-static int key_in_focus(form *f, gadget *g, int key)
+static void key_in_focus(form *f, gadget *g, int key)
 {
-    switch (g->kind) {
-    case GADGET_FIELD:
-        if (!edit_key(&f->edit, g->value, g->value_size, key))
-            return 0;
-        scroll_field(f, g);
-        return 1;
-    case GADGET_SLIDER: return key_in_slider(f, g, key);
-    case GADGET_LIST:   return key_in_list(f, g, key);
-    case GADGET_RADIO:
-    case GADGET_SWATCH:
-        if (key_in_radio(f, g, key))
-            return 1;
-        break;
-    case GADGET_BUTTON:
-    case GADGET_ACCEPT:
-    case GADGET_CANCEL:
-        if (key_direction(key))
-            return key_in_button(f, g, key);
-        break;
+    const int is_radio = g->kind == GADGET_RADIO || g->kind == GADGET_SWATCH;
+    if (g->kind == GADGET_FIELD) {
+        if (edit_key(&f->edit, g->value, g->value_size, key))
+            scroll_field(f, g);
+    } else if (g->kind == GADGET_SLIDER) {
+        key_in_slider(f, g, key);
+    } else if (g->kind == GADGET_LIST) {
+        key_in_list(f, g, key);
+    } else if (key == ' ') {
+        activate(f, g);
+    } else if (key_direction(key) && is_radio) {
+        key_in_radio(f, g, key);
+    } else if (key_direction(key) && is_button(g)) {
+        key_in_button(f, g, key);
     }
-    if (key != ' ')
-        return 0;
-    activate(f, g);
-    return 1;
 }
 
 static void input_key(form *f, int key)
@@ -443,8 +432,10 @@ static void input_key(form *f, int key)
         key_tab(f, -1);
     else if (key == WS_KEY_RETURN)
         key_return(f);
-    else if (!f->focus || !key_in_focus(f, f->focus, key))
-        scroll_list_under_pointer(f, key);
+    else if (gadget *const list = key == WS_KEY_UP || key == WS_KEY_DOWN ? list_under_pointer(f) : nullptr)
+        scroll_by(f, list, key_direction(key));
+    else if (f->focus)
+        key_in_focus(f, f->focus, key);
 }
 
 void input_keys(form *f, const uint8_t *bytes, int count)

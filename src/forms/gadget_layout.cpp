@@ -114,8 +114,8 @@ ws_rect mark_rect(const form *f, const gadget *g)
 ws_rect field_text_rect(const form *f, const gadget *g)
 {
     ws_rect r = rect_inset(gadget_body(f, g), 2 * line_thickness());
-    r.x0 += line_thickness();
-    r.x1 -= line_thickness();
+    r.x0 += 2 * line_thickness();
+    r.x1 -= 2 * line_thickness();
     return r;
 }
 
