@@ -135,10 +135,34 @@ static int32_t overview_count(const RFILE *file)
     return dir.bytes && 2 * dir.words >= 20 ? le_i32(dir.bytes + 16) : 0;
 }
 
+// A header that nobody gave a matrix has zeros there, which stand for the identity; a ratio of zero stands for 1.
+static void get_transform(const RFILE *file, void *value)
+{
+    static const uint8_t none[16 * sizeof(double)] = {};
+    const uint8_t *at = natv(file)->header + NATV_TRANSFORM;
+    if (std::memcmp(at, none, sizeof none) != 0)
+        std::memcpy(value, at, sizeof none);
+}
+
+static double aspect_ratio(const RFILE *file)
+{
+    const double ratio = le_f64(natv(file)->header + NATV_ASPECT_RATIO);
+    return ratio == 0 ? 1.0 : ratio;
+}
+
 int natv_get_hdr_data(RFILE *file, int key, void *value)
 {
     if (is_application_9_key(key) && natv_i16(file, NATV_APPLICATION_TYPE) != NATV_APPLICATION_9)
         return rio_fail_status(file, RIO_APPLICATION_TYPE, "rio_get_hdr_data");
+    if (key == RIO_KEY_TRANSFORM) {
+        get_transform(file, value);
+        return 0;
+    }
+    if (key == RIO_KEY_ASPECT_RATIO) {
+        const double ratio = aspect_ratio(file);
+        std::memcpy(value, &ratio, sizeof ratio);
+        return 0;
+    }
     if (const header_key *k = find_key(key))
         return get_field(file, *k, value);
     switch (key) {
@@ -295,8 +319,8 @@ int natv_get_stat(RFILE *file, rio_stat *stat)
     stat->vlt_pad = vlt_pad(file);
     stat->packet_words = application_words(file);
     stat->packet_free = packet_free(file);
-    std::memcpy(stat->transform, specs->header + NATV_TRANSFORM, sizeof stat->transform);
-    stat->aspect_ratio = le_f64(specs->header + NATV_ASPECT_RATIO);
+    get_transform(file, stat->transform);
+    stat->aspect_ratio = aspect_ratio(file);
     return 0;
 }
 

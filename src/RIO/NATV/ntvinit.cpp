@@ -17,9 +17,6 @@ void natv_start_header(RFILE *file)
     natv_put_u32(file, NATV_HEIGHT, file->height);
     specs->header[NATV_ORIENTATION] = 4;
     specs->header[NATV_VERSION] = NATV_VERSION_WRITTEN;
-    put_le_f64(specs->header + NATV_ASPECT_RATIO, 1.0);
-    for (int i = 0; i < 4; i++)
-        put_le_f64(specs->header + NATV_TRANSFORM + 5 * i * int(sizeof(double)), 1.0);
 }
 
 void natv_free_specs(RFILE *file)
