@@ -78,7 +78,7 @@ add_dependencies(builtin_fonts_source kestrel_fonts)
 
 # The sample pictures, all of one generated landscape.
 set(kestrel_samples "")
-foreach(name scene.ppm scene_grey.pgm sheet.pbm elevation.pgm)
+foreach(name scene.ppm scene_grey.pgm sheet.pbm elevation.pgm scene.nat scene_grey.cot sheet.bin elevation.nat)
   list(APPEND kestrel_samples ${KESTREL_TARN}/samples/${name})
 endforeach()
 add_custom_command(OUTPUT ${kestrel_samples}

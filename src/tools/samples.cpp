@@ -1,5 +1,6 @@
 #include "tools/samples.h"
 #include "tools/map_sheet.h"
+#include "tools/native_samples.h"
 #include "tools/output_file.h"
 #include <algorithm>
 
@@ -39,24 +40,30 @@ static bool write_scene(const landscape &scenery, const std::string &directory)
         return no_memory();
     grey_of_rgb(rgb.get(), grey.get());
     return write_netpbm(directory + "/scene.ppm", "P6\n2048 1536\n255\n", rgb.get(), SCENE_PIXELS * 3)
-        && write_netpbm(directory + "/scene_grey.pgm", "P5\n2048 1536\n255\n", grey.get(), SCENE_PIXELS);
+        && write_netpbm(directory + "/scene_grey.pgm", "P5\n2048 1536\n255\n", grey.get(), SCENE_PIXELS)
+        && write_native_colour(directory + "/scene.nat", rgb.get(), SCENE_WIDTH, SCENE_HEIGHT)
+        && write_native_grey(directory + "/scene_grey.cot", grey.get(), SCENE_WIDTH, SCENE_HEIGHT);
 }
 
 static bool write_elevation(const landscape &scenery, const std::string &directory)
 {
-    mem_ptr<uint8_t> levels(static_cast<uint8_t *>(mem_alloc(size_t(ELEVATION_SIDE) * ELEVATION_SIDE * 2)));
-    if (!levels)
+    static constexpr size_t cells = size_t(ELEVATION_SIDE) * ELEVATION_SIDE;
+    mem_ptr<uint16_t> levels(static_cast<uint16_t *>(mem_alloc(cells * 2)));
+    mem_ptr<uint8_t> high_first(static_cast<uint8_t *>(mem_alloc(cells * 2)));
+    if (!levels || !high_first)
         return no_memory();
-    uint8_t *next = levels.get();
+    uint16_t *next = levels.get();
     for (int y = 0; y < ELEVATION_SIDE; y++)
         for (int x = 0; x < ELEVATION_SIDE; x++) {
             const float metres = ground_height(scenery, float(ELEVATION_LEFT + x), float(ELEVATION_TOP + y));
-            const int level = int(std::clamp(metres * ELEVATION_UNITS + 0.5f, 0.0f, 65535.0f));
-            *next++ = uint8_t(level >> 8);
-            *next++ = uint8_t(level);
+            *next++ = uint16_t(std::clamp(metres * ELEVATION_UNITS + 0.5f, 0.0f, 65535.0f));
         }
-    return write_netpbm(directory + "/elevation.pgm", "P5\n1024 1024\n65535\n", levels.get(),
-                        size_t(ELEVATION_SIDE) * ELEVATION_SIDE * 2);
+    for (size_t i = 0; i < cells; i++) {
+        high_first[2 * i] = uint8_t(levels[i] >> 8);
+        high_first[2 * i + 1] = uint8_t(levels[i]);
+    }
+    return write_netpbm(directory + "/elevation.pgm", "P5\n1024 1024\n65535\n", high_first.get(), cells * 2)
+        && write_native_16(directory + "/elevation.nat", levels.get(), ELEVATION_SIDE, ELEVATION_SIDE);
 }
 
 static bool open_font(const std::string &path, outline_text_font *font)
@@ -81,7 +88,8 @@ static bool write_sheet(const landscape &scenery, const std::string &fonts_direc
     if (!draw_map_sheet(scenery, fonts, &sheet))
         return no_memory();
     return write_netpbm(directory + "/sheet.pbm", "P4\n5000 7000\n", sheet.bits.get(),
-                        size_t(sheet.row_bytes) * SHEET_HEIGHT);
+                        size_t(sheet.row_bytes) * SHEET_HEIGHT)
+        && write_native_bits(directory + "/sheet.bin", sheet.bits.get(), SHEET_WIDTH, SHEET_HEIGHT);
 }
 
 bool write_samples(const std::string &fonts_directory, const std::string &directory)

@@ -1,4 +1,5 @@
-// samples.h - writes the sample pictures: scene.ppm, scene_grey.pgm, sheet.pbm, elevation.pgm.
+// samples.h - writes the sample pictures: scene.ppm, scene_grey.pgm, sheet.pbm, elevation.pgm, and the same
+// in the native format: scene.nat, scene_grey.cot, sheet.bin, elevation.nat.
 //
 // How they come about: noise and float_grid are the ground that all stands on; terrain shapes heights by running water;
 // networks finds and draws rivers and roads; landscape puts them and the towns together (scene.h); land_cover and scene

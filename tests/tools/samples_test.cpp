@@ -1,4 +1,5 @@
 // The sample pictures as kestrel-mkdata made them, and the landscape that they show.
+#include "RIO/rio.h"
 #include "tools/font_reading.h"
 #include "tools/noise.h"
 #include "tools/terrain.h"
@@ -100,6 +101,97 @@ TEST(Samples, SheetHasAWhiteMarginABlackFrameAndInkInside)
     EXPECT_LT(map_ink, 5000u * 4000 / 4);
 }
 
+struct open_sample {
+    RFILE *file;
+    int32_t width = 0, height = 0, data_type = 0;
+};
+
+static open_sample open_native(const char *name)
+{
+    open_sample sample{ rio_open_r((samples + name).c_str()) };
+    if (sample.file) {
+        rio_get_hdr_data(sample.file, RIO_KEY_WIDTH, &sample.width);
+        rio_get_hdr_data(sample.file, RIO_KEY_HEIGHT, &sample.height);
+        rio_get_hdr_data(sample.file, RIO_KEY_DATA_TYPE, &sample.data_type);
+    }
+    return sample;
+}
+
+TEST(NativeSamples, ColourSceneIsTheSamePicture)
+{
+    const std::vector<uint8_t> rgb = scene();
+    const open_sample native = open_native("scene.nat");
+    ASSERT_NE(native.file, nullptr);
+    EXPECT_EQ(native.data_type, 28);
+    ASSERT_EQ(native.width, 2048);
+    ASSERT_EQ(native.height, 1536);
+    std::vector<uint8_t> red(2048), green(2048), blue(2048);
+    size_t different = 0;
+    for (size_t y = 0; y < 1536; y++) {
+        ASSERT_EQ(rio_getline_rgb(native.file, red.data(), green.data(), blue.data()), 0);
+        for (size_t x = 0; x < 2048; x++) {
+            const uint8_t *pixel = &rgb[(y * 2048 + x) * 3];
+            different += pixel[0] != red[x] || pixel[1] != green[x] || pixel[2] != blue[x];
+        }
+    }
+    EXPECT_EQ(different, 0u);
+    rio_close(native.file);
+}
+
+TEST(NativeSamples, GreySceneIsTheSamePicture)
+{
+    const std::vector<uint8_t> grey = pixels_of("scene_grey.pgm", "P5\n2048 1536\n255\n");
+    const open_sample native = open_native("scene_grey.cot");
+    ASSERT_NE(native.file, nullptr);
+    EXPECT_EQ(native.data_type, 2);
+    ASSERT_EQ(native.width, 2048);
+    ASSERT_EQ(native.height, 1536);
+    std::vector<uint8_t> line(2048);
+    for (long y = 0; y < 1536; y++) {
+        ASSERT_EQ(rio_getline(native.file, line.data()), 0);
+        ASSERT_TRUE(std::equal(line.begin(), line.end(), grey.begin() + y * 2048)) << "line " << y;
+    }
+    rio_close(native.file);
+}
+
+TEST(NativeSamples, MapSheetIsTheSamePicture)
+{
+    const std::vector<uint8_t> bits = sheet();
+    const open_sample native = open_native("sheet.bin");
+    ASSERT_NE(native.file, nullptr);
+    EXPECT_EQ(native.data_type, 1);
+    ASSERT_EQ(native.width, 5000);
+    ASSERT_EQ(native.height, 7000);
+    std::vector<uint16_t> words(313);                   // 5000 pixels are 312.5 words
+    for (size_t y = 0; y < 7000; y++) {
+        ASSERT_EQ(rio_getline(native.file, words.data()), 0);
+        size_t different = 0;
+        for (size_t x = 0; x < 5000; x++)
+            different += (words[x / 16] >> (15 - x % 16) & 1) != (bits[y * 625 + x / 8] >> (7 - x % 8) & 1);
+        ASSERT_EQ(different, 0u) << "line " << y;
+    }
+    rio_close(native.file);
+}
+
+TEST(NativeSamples, ElevationHoldsTheSameLevels)
+{
+    const std::vector<uint8_t> levels = elevation();
+    const open_sample native = open_native("elevation.nat");
+    ASSERT_NE(native.file, nullptr);
+    EXPECT_EQ(native.data_type, 3);
+    ASSERT_EQ(native.width, 1024);
+    ASSERT_EQ(native.height, 1024);
+    // Its last bytes are the lowest row's end, low byte first.
+    const std::vector<uint8_t> file = file_bytes(samples + "elevation.nat");
+    ASSERT_GT(file.size(), levels.size());
+    const size_t header = file.size() - levels.size();
+    size_t different = 0;
+    for (size_t i = 0; i < levels.size(); i += 2)
+        different += file[header + i] != levels[i + 1] || file[header + i + 1] != levels[i];
+    EXPECT_EQ(different, 0u);
+    rio_close(native.file);
+}
+
 TEST(Samples, AreTheSameWhenMadeAgain)
 {
     namespace fs = std::filesystem;
@@ -107,7 +199,8 @@ TEST(Samples, AreTheSameWhenMadeAgain)
     fs::create_directories(again);
     const std::string command = std::string(KESTREL_MKDATA) + " " KESTREL_DATA_ROOT "/fonts " + again.string();
     ASSERT_EQ(std::system(command.c_str()), 0);
-    for (const char *name : { "scene.ppm", "scene_grey.pgm", "sheet.pbm", "elevation.pgm" })
+    for (const char *name : { "scene.ppm", "scene_grey.pgm", "sheet.pbm", "elevation.pgm", "scene.nat",
+                              "scene_grey.cot", "sheet.bin", "elevation.nat" })
         EXPECT_EQ(file_bytes((again / name).string()), file_bytes(samples + name)) << name;
     fs::remove_all(again);
 }
