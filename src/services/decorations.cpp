@@ -95,6 +95,8 @@ window_part frame_part(const window_record &window, int x, int y)
 
 int active_look()
 {
+    if (popup_is_open())
+        return -1;
     for (int i = ws_state.stack_count - 1; i >= 0; i--) {
         const window_record &window = ws_state.windows[ws_state.stack[i]];
         if (window.style == STYLE_TITLED && !window.collapsed)

@@ -2,7 +2,7 @@
 #pragma once
 #include "services/ws_state.h"
 
-// The titled window on top of the others, which shows the active caption; -1 when there is none.
+// The titled window on top of the others, which shows the active caption; -1 when there is none, and under a pop-up.
 int active_look();
 
 // Which part of an uncollapsed window a point of its outer rectangle is.

@@ -40,6 +40,7 @@ int ws_popup_open(int w, int x0, int y0, int x1, int y1)
     const ws_rect rect = rect_common({ x0, y0, x1, y1 }, frame_record()->rect);
     if (!popup || popup->shown || rect_empty(rect))
         return -1;
+    damage_active_window();
     popup->rect = rect;
     popup->shown = true;
     window_shape(*popup);
@@ -56,6 +57,7 @@ int ws_popup_close(int w)
     window_damage(*popup);
     popup->shown = false;
     store_free(popup->store);
+    damage_active_window();
     cursor_update();
     return 0;
 }

@@ -112,8 +112,7 @@ static int stack_top_for(int w)
     return ws_state.stack_count - below_the_top_window;
 }
 
-// The window that looks active may change with the stacking order, so both captions are painted again.
-static void damage_active_window()
+void damage_active_window()
 {
     if (const window_record *window = window_of(active_look()))
         window_damage(*window);

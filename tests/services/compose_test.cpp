@@ -139,6 +139,12 @@ TEST_F(compose_test, TopmostTitledWindowAloneLooksActive)
     EXPECT_EQ(caption_colour(20), uint32_t(UI_ACCENT));
     ws_collapse(a);
     EXPECT_EQ(caption_colour(150), uint32_t(UI_ACCENT));
+    int popup;
+    ws_popup_begin(0, 8, &popup);
+    ws_popup_open(0, 250, 150, 260, 160);
+    EXPECT_EQ(caption_colour(150), uint32_t(UI_IDLE));
+    ws_popup_end(0);
+    EXPECT_EQ(caption_colour(150), uint32_t(UI_ACCENT));
     ws_delete_window(b);
     EXPECT_EQ(active_look(), -1);
 }
