@@ -8,7 +8,7 @@ struct view_source {
     const uint8_t *pixels;             // rows, or null for a uniform block
     int32_t fill_value;                // of a uniform block
     int32_t x, y;                      // of the block, held pixels
-    int32_t width, height, stride;     // stride: bytes a row
+    int32_t width, height, stride;     // pixels; stride is from a row to the next: bytes, or bits which fill whole 16-bit words
 };
 
 // Chooses the routine for a window. depth 1, 8 or 24; tables of 256 entries; matrix: source to window, row by row.
@@ -17,3 +17,5 @@ void scan_prepare(int window, int x0, int y0, int x1, int y1, uint32_t value_mas
 void scan_run(int window, const view_source *source);
 // Turns the chosen routine into its memory variant: values go into buffer, a byte a pixel, one clip width a line.
 void scan_set_target(int window, uint8_t *buffer);
+
+void scan_reset();                     // frees the buffers and forgets what was chosen

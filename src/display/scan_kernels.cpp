@@ -1,0 +1,107 @@
+#include "display/scan_kernels.h"
+
+// --- plain -------------------------------------------------------------------------------------------------
+
+static void columns_plain(uint8_t *out, const uint8_t *row, const int32_t *columns, int count, int64_t)
+{
+    for (int i = 0; i < count; i++)
+        out[i] = row[columns[i]];
+}
+
+static void slant_plain(uint8_t *out, const slanted_walk &walk, int count)
+{
+    int64_t u = walk.u, v = walk.v;
+    for (int i = 0; i < count; i++, u += walk.a, v += walk.c)
+        out[i] = walk.pixels[walk.row_offsets[v >> 16] + (u >> 16)];
+}
+
+static void map_32_plain(uint32_t *out, const uint8_t *in, int count, const uint32_t *table)
+{
+    for (int i = 0; i < count; i++)
+        out[i] = table[in[i]];
+}
+
+static void map_rgb_plain(uint32_t *out, const uint8_t *red, const uint8_t *green, const uint8_t *blue, int count, const uint32_t (*tables)[256])
+{
+    for (int i = 0; i < count; i++)
+        out[i] = tables[0][red[i]] | tables[1][green[i]] | tables[2][blue[i]];
+}
+
+const scan_kernel_set scan_kernels_plain { columns_plain, slant_plain, map_32_plain, map_rgb_plain };
+
+// --- the best that the processor has -----------------------------------------------------------------------
+
+static const scan_kernel_set &kernels()
+{
+    static const scan_kernel_set *const best = scan_kernels_avx2() ? scan_kernels_avx2() : &scan_kernels_plain;
+    return *best;
+}
+
+void sample_columns(uint8_t *out, const uint8_t *row, const int32_t *columns, int count, int64_t size)
+{
+    kernels().columns(out, row, columns, count, size);
+}
+
+void sample_slant(uint8_t *out, const slanted_walk &walk, int count)
+{
+    kernels().slant(out, walk, count);
+}
+
+void map_32(uint32_t *out, const uint8_t *in, int count, const uint32_t table[256])
+{
+    kernels().map_32(out, in, count, table);
+}
+
+void map_rgb(uint32_t *out, const uint8_t *red, const uint8_t *green, const uint8_t *blue, int count, const uint32_t tables[3][256])
+{
+    kernels().map_rgb(out, red, green, blue, count, tables);
+}
+
+// --- with one form only ------------------------------------------------------------------------------------
+
+// Rows are 16-bit words with the low byte first, so the byte of pixel x is the other one of its pair.
+static uint8_t bit_of(const uint8_t *row, int64_t x)
+{
+    return uint8_t(-(row[(x >> 3) ^ 1] >> (7 - (x & 7)) & 1));
+}
+
+void sample_bits_columns(uint8_t *out, const uint8_t *row, const int32_t *columns, int count)
+{
+    for (int i = 0; i < count; i++)
+        out[i] = bit_of(row, columns[i]);
+}
+
+void sample_bits_slant(uint8_t *out, const slanted_walk &walk, int count)
+{
+    int64_t u = walk.u, v = walk.v;
+    for (int i = 0; i < count; i++, u += walk.a, v += walk.c)
+        out[i] = bit_of(walk.pixels + walk.row_offsets[v >> 16], u >> 16);
+}
+
+void map_8(uint8_t *out, const uint8_t *in, int count, const uint8_t table[256])
+{
+    for (int i = 0; i < count; i++)
+        out[i] = table[in[i]];
+}
+
+void map_16(uint16_t *out, const uint8_t *in, int count, const uint16_t table[256])
+{
+    for (int i = 0; i < count; i++)
+        out[i] = table[in[i]];
+}
+
+void map_dither(uint8_t *out, const uint8_t *in, int count, int x, const uint8_t tables[4][256])
+{
+    for (int i = 0; i < count; i++)
+        out[i] = tables[(x + i) & 3][in[i]];
+}
+
+void map_bits(uint16_t *out, const uint8_t *in, int count)
+{
+    for (int i = 0; i < count; i += 16) {
+        uint32_t word = 0;
+        for (int k = 0; k < 16 && i + k < count; k++)
+            word |= (in[i + k] & 1u) << (15 - k);
+        *out++ = uint16_t(word);
+    }
+}

@@ -1,0 +1,50 @@
+// scan_kernels.h - the inner loops of the scan routines, on plain pointers. A line of the window is made in two steps: the source
+// bytes under its pixels are collected (sample_), and turned into display values (map_). None of them can fail.
+//
+// Some kernels have a twin for processors with AVX2, chosen when the program starts; both give the same bytes.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+
+// --- collecting source bytes -------------------------------------------------------------------------------
+
+// out[i] = row[columns[i]]. The columns ascend; `size` is how many bytes of row may be read.
+void sample_columns(uint8_t *out, const uint8_t *row, const int32_t *columns, int count, int64_t size);
+
+// A walk through a block in any direction: pixel i lies at u + i * a, v + i * c, in 16.16. Every position lies in the block.
+struct slanted_walk {
+    const uint8_t *pixels;
+    const int64_t *row_offsets;        // bytes from pixels to each row
+    int64_t stride;                    // the same between two rows
+    int64_t size;                      // bytes from pixels on that may be read
+    int64_t u, v, a, c;
+};
+
+void sample_slant(uint8_t *out, const slanted_walk &walk, int count);
+
+// The same for packed bits, of which pixel 0 is the top bit of each 16-bit word: out[i] is 255 for a one, 0 for a zero.
+void sample_bits_columns(uint8_t *out, const uint8_t *row, const int32_t *columns, int count);
+void sample_bits_slant(uint8_t *out, const slanted_walk &walk, int count);
+
+// --- turning them into display values ----------------------------------------------------------------------
+
+void map_8(uint8_t *out, const uint8_t *in, int count, const uint8_t table[256]);
+void map_16(uint16_t *out, const uint8_t *in, int count, const uint16_t table[256]);
+void map_32(uint32_t *out, const uint8_t *in, int count, const uint32_t table[256]);
+// out[i] = tables[0][red[i]] | tables[1][green[i]] | tables[2][blue[i]]
+void map_rgb(uint32_t *out, const uint8_t *red, const uint8_t *green, const uint8_t *blue, int count, const uint32_t tables[3][256]);
+// Dithered: pixel i takes tables[(x + i) & 3]. x is where the line begins, in window pixels.
+void map_dither(uint8_t *out, const uint8_t *in, int count, int x, const uint8_t tables[4][256]);
+// Words of 16 pixels, the first pixel in the top bit; what is left of the last word is 0.
+void map_bits(uint16_t *out, const uint8_t *in, int count);
+
+// --- the twins ---------------------------------------------------------------------------------------------
+
+struct scan_kernel_set {
+    void (*columns)(uint8_t *, const uint8_t *, const int32_t *, int, int64_t);
+    void (*slant)(uint8_t *, const slanted_walk &, int);
+    void (*map_32)(uint32_t *, const uint8_t *, int, const uint32_t *);
+    void (*map_rgb)(uint32_t *, const uint8_t *, const uint8_t *, const uint8_t *, int, const uint32_t (*)[256]);
+};
+extern const scan_kernel_set scan_kernels_plain;
+const scan_kernel_set *scan_kernels_avx2();    // null when the processor has no AVX2

@@ -1,0 +1,123 @@
+#include "display/scan_kernels.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+static std::vector<uint8_t> noise(size_t count, unsigned seed)
+{
+    std::mt19937 random(seed);
+    std::vector<uint8_t> bytes(count);
+    for (uint8_t &byte : bytes)
+        byte = uint8_t(random());
+    return bytes;
+}
+
+TEST(ScanKernels, ColumnsPickBytesOfARow)
+{
+    const uint8_t row[] = { 10, 11, 12, 13, 14 };
+    const int32_t columns[] = { 0, 0, 2, 4 };
+    uint8_t out[4];
+    sample_columns(out, row, columns, 4, 5);
+    EXPECT_EQ(std::vector<uint8_t>(out, out + 4), (std::vector<uint8_t>{ 10, 10, 12, 14 }));
+}
+
+TEST(ScanKernels, BitZeroIsTheTopBitOfTheFirstWord)
+{
+    // Word 0x8001 has pixels 0 and 15, word 0x4000 pixel 17; low bytes come first.
+    const uint8_t row[] = { 0x01, 0x80, 0x00, 0x40 };
+    const int32_t columns[] = { 0, 1, 14, 15, 16, 17 };
+    uint8_t out[6];
+    sample_bits_columns(out, row, columns, 6);
+    EXPECT_EQ(std::vector<uint8_t>(out, out + 6), (std::vector<uint8_t>{ 255, 0, 0, 255, 0, 255 }));
+}
+
+TEST(ScanKernels, BitsAreStampedTopBitFirstAndTheRestIsZero)
+{
+    uint8_t in[18] = {};
+    in[0] = in[15] = in[17] = 255;
+    uint16_t out[2];
+    map_bits(out, in, 18);
+    EXPECT_EQ(out[0], 0x8001);
+    EXPECT_EQ(out[1], 0x4000);
+}
+
+TEST(ScanKernels, DitherTablesFollowTheWindowColumn)
+{
+    uint8_t tables[4][256] = {};
+    for (int cell = 0; cell < 4; cell++)
+        tables[cell][9] = uint8_t(100 + cell);
+    const uint8_t in[5] = { 9, 9, 9, 9, 9 };
+    uint8_t out[5];
+    map_dither(out, in, 5, 6, tables);  // columns 6 to 10: cells 2, 3, 0, 1, 2
+    EXPECT_EQ(std::vector<uint8_t>(out, out + 5), (std::vector<uint8_t>{ 102, 103, 100, 101, 102 }));
+}
+
+// --- both forms give the same bytes --------------------------------------------------------------------------
+
+class ScanKernelTwins : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!scan_kernels_avx2())
+            GTEST_SKIP() << "this processor has no AVX2";
+    }
+};
+
+TEST_F(ScanKernelTwins, MapsOfEveryLength)
+{
+    const std::vector<uint8_t> red = noise(70, 1), green = noise(70, 2), blue = noise(70, 3);
+    std::mt19937 random(4);
+    uint32_t tables[3][256];
+    for (auto &table : tables)
+        for (uint32_t &entry : table)
+            entry = uint32_t(random());
+    for (int count = 0; count <= 70; count++) {
+        std::vector<uint32_t> plain(71, 5), fast(71, 5);
+        scan_kernels_plain.map_32(plain.data(), red.data(), count, tables[0]);
+        scan_kernels_avx2()->map_32(fast.data(), red.data(), count, tables[0]);
+        EXPECT_EQ(plain, fast) << count;
+        scan_kernels_plain.map_rgb(plain.data(), red.data(), green.data(), blue.data(), count, tables);
+        scan_kernels_avx2()->map_rgb(fast.data(), red.data(), green.data(), blue.data(), count, tables);
+        EXPECT_EQ(plain, fast) << count;
+    }
+}
+
+TEST_F(ScanKernelTwins, ColumnsUpToTheLastByte)
+{
+    const std::vector<uint8_t> row = noise(200, 5);
+    for (int step = 1; step <= 4; step++)
+        for (int count = 1; count * step <= 200; count++) {
+            std::vector<int32_t> columns;
+            for (int i = 0; i < count; i++)
+                columns.push_back(200 - (count - i) * step);
+            columns.back() = 199;
+            std::vector<uint8_t> plain(201, 7), fast(201, 7);
+            scan_kernels_plain.columns(plain.data(), row.data(), columns.data(), count, 200);
+            scan_kernels_avx2()->columns(fast.data(), row.data(), columns.data(), count, 200);
+            ASSERT_EQ(plain, fast) << "step " << step << ", count " << count;
+        }
+}
+
+TEST_F(ScanKernelTwins, SlantsInEveryDirection)
+{
+    const int width = 150, height = 130;
+    const std::vector<uint8_t> pixels = noise(size_t(width * height), 6);
+    std::vector<int64_t> rows;
+    for (int y = 0; y < height; y++)
+        rows.push_back(y * width);
+    for (const int64_t a : { -65536LL, -40000LL, 0LL, 1LL, 56755LL, 65536LL })
+        for (const int64_t c : { -65536LL, -32768LL, 0LL, 32768LL, 65535LL }) {
+            // From the corner that lies farthest back, so that 100 steps stay inside and some walks end at the last byte.
+            const int64_t u = a < 0 ? (int64_t{width} << 16) - 1 : (int64_t{width} << 16) - 1 - 99 * a;
+            const int64_t v = c < 0 ? (int64_t{height} << 16) - 1 : (int64_t{height} << 16) - 1 - 99 * c;
+            const slanted_walk walk { pixels.data(), rows.data(), width, width * height, u, v, a, c };
+            for (const int count : { 1, 15, 16, 17, 100 }) {
+                std::vector<uint8_t> plain(101, 7), fast(101, 7);
+                scan_kernels_plain.slant(plain.data(), walk, count);
+                scan_kernels_avx2()->slant(fast.data(), walk, count);
+                ASSERT_EQ(plain, fast) << "a " << a << ", c " << c << ", count " << count;
+            }
+        }
+}
