@@ -28,11 +28,11 @@ void paint_outline(const form *f, ws_rect r, int thickness, int colour)
     paint_fill(f, { r.x1 - t, r.y0, r.x1, r.y1 }, colour);
 }
 
-void paint_bevel(const form *f, ws_rect r, int raised)
+void paint_bevel(const form *f, ws_rect r, int thickness, int raised)
 {
     const forms_palette &colours = forms_get_style()->palette;
     const int lit = raised ? colours.white : colours.dark, shaded = raised ? colours.dark : colours.white;
-    for (int i = 0; i < line_thickness(); i++) {
+    for (int i = 0; i < thickness; i++) {
         const ws_rect line = rect_inset(r, i);
         paint_fill(f, { line.x0, line.y0, line.x1, line.y0 }, lit);
         paint_fill(f, { line.x0, line.y0, line.x0, line.y1 }, lit);
@@ -135,6 +135,19 @@ static void draw_glyph(const form *f, int code, int x, int y, int colour)
     const char text = char(code);
     ws_set_foreground(f->window, colour);
     ws_draw_text(f->window, forms_get_style()->symbol_font, x, y, &text, 1);
+}
+
+void paint_picture_size(int code, int *width_out, int *height_out)
+{
+    const char text = char(code);
+    *width_out = text_pixels(forms_get_style()->symbol_font, &text, 1);
+    *height_out = *width_out;          // they are about square
+}
+
+void paint_picture(const form *f, int code, int x, int y, int ink, int paper)
+{
+    draw_glyph(f, code + 1, x, y, paper);
+    draw_glyph(f, code, x, y, ink);
 }
 
 // Glyphs have one size: where the scale makes them too small beside their text, the lines take over.

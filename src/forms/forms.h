@@ -99,7 +99,8 @@ struct gadget {
     int show_value;                    // slider: its value stands beside it; 1 at start
     char **items;                      // list; owned
     int item_count, first_item, picked;
-    int colour;                        // swatch
+    int colour;                        // swatch; label with a symbol: its paper
+    int symbol;                        // label: SYM_INFO, SYM_WARNING or SYM_ERROR is shown instead of a text
     int is_default;                    // button that Return presses; accept is one unless another button is
 };
 

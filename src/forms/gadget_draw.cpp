@@ -32,8 +32,8 @@ static void draw_label_text(const form *f, const gadget *g, ws_rect r)
 static void draw_sunken_box(const form *f, const gadget *g, ws_rect r)
 {
     const forms_palette &colours = style().palette;
-    paint_bevel(f, r, 0);
-    const ws_rect inner = rect_inset(r, line_thickness());
+    paint_bevel(f, r, 1, 0);
+    const ws_rect inner = rect_inset(r, 1);
     paint_fill(f, inner, g->disabled ? colours.light : colours.white);
     paint_outline(f, inner, line_thickness(), has_focus(f, g) ? colours.blue : g->disabled ? colours.medium : colours.black);
 }
@@ -63,6 +63,10 @@ static void draw_label(const form *f, const gadget *g)
 {
     const int line_height = ws_font_height(style().text_font);
     ws_rect r = gadget_rect(f, g);
+    if (g->symbol) {
+        paint_picture(f, g->symbol, r.x0, r.y0, style().palette.black, g->colour);
+        return;
+    }
     // Rounding of the scaled extent must not clip the last column or row.
     r.x1 += 2;
     for (const char *line = text_or_empty(g->text);; line++) {
@@ -87,7 +91,7 @@ static ws_rect draw_button_frame(const form *f, const gadget *g)
     if (default_button(f) == g && !g->disabled)
         paint_outline(f, outer, t, colours.black);
     paint_fill(f, r, down ? colours.medium : colours.light);
-    paint_bevel(f, r, !down);
+    paint_bevel(f, r, t, !down);
     r = rect_inset(r, t);
     if (has_focus(f, g))
         paint_outline(f, rect_inset(r, t), t, colours.blue);
@@ -140,7 +144,7 @@ static void draw_switch(const form *f, const gadget *g, ws_rect mark)
     const int middle = (inside.x0 + inside.x1) / 2;
     const ws_rect knob = g->on ? ws_rect{ middle + 1, inside.y0, inside.x1, inside.y1 } : ws_rect{ inside.x0, inside.y0, middle, inside.y1 };
     paint_fill(f, knob, mark_paper(f, g));
-    paint_bevel(f, knob, 1);
+    paint_bevel(f, knob, line_thickness(), 1);
 }
 
 static void draw_toggle(const form *f, const gadget *g)
@@ -164,7 +168,7 @@ static void draw_swatch(const form *f, const gadget *g)
         paint_outline(f, r, t, colours.black);
         paint_outline(f, rect_inset(r, t), t, colours.white);
     } else {
-        paint_bevel(f, rect_inset(r, t), 0);
+        paint_bevel(f, rect_inset(r, t), t, 0);
     }
     if (has_focus(f, g))
         paint_outline(f, r, t, colours.blue);
@@ -209,7 +213,7 @@ static void draw_field(const form *f, const gadget *g)
 static void draw_thumb(const form *f, ws_rect r, int colour)
 {
     paint_fill(f, r, colour);
-    paint_bevel(f, r, 1);
+    paint_bevel(f, r, line_thickness(), 1);
 }
 
 static void draw_slider(const form *f, const gadget *g)
@@ -223,7 +227,7 @@ static void draw_slider(const form *f, const gadget *g)
     paint_fill(f, groove, colours.medium);
     if (!g->disabled)
         paint_fill(f, { groove.x0, groove.y0, thumb.x0, groove.y1 }, has_focus(f, g) ? colours.blue : colours.dark);
-    paint_bevel(f, groove, 0);
+    paint_bevel(f, groove, t, 0);
     draw_thumb(f, thumb, colours.light);
     if (has_focus(f, g))
         paint_outline(f, rect_inset(thumb, t), t, colours.blue);
@@ -315,7 +319,7 @@ void form_draw(const form *f)
     paint_fill(f, all, colours.light);
     if (f->window == 0) {
         paint_outline(f, all, line_thickness(), colours.black);
-        paint_bevel(f, rect_inset(all, line_thickness()), 1);
+        paint_bevel(f, rect_inset(all, line_thickness()), line_thickness(), 1);
     }
     draw_title(f);
     for (int pass = 0; pass < 2; pass++)   // groups lie beneath all others

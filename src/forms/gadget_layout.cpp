@@ -25,6 +25,11 @@ int line_thickness()
     return std::max(1, int(forms_get_style()->scale + 0.5));
 }
 
+int box_edge()
+{
+    return 1 + line_thickness();
+}
+
 int rect_contains(ws_rect r, int x, int y)
 {
     return x >= r.x0 && x <= r.x1 && y >= r.y0 && y <= r.y1;
@@ -60,7 +65,12 @@ int toggle_needs_switch(const gadget *g)
 
 void layout_extent(gadget *g)
 {
-    if (g->kind == GADGET_LABEL) {
+    if (g->kind == GADGET_LABEL && g->symbol) {
+        int width, height;
+        paint_picture_size(g->symbol, &width, &height);
+        g->x1 = g->x0 + width / forms_get_style()->scale;
+        g->y1 = g->y0 + height / forms_get_style()->scale;
+    } else if (g->kind == GADGET_LABEL) {
         double width, height;
         form_size_for_text(nullptr, &width, &height, text_or_empty(g->text));
         g->x1 = g->x0 + width;
@@ -113,10 +123,10 @@ ws_rect mark_rect(const form *f, const gadget *g)
 
 ws_rect field_text_rect(const form *f, const gadget *g)
 {
-    ws_rect r = rect_inset(gadget_body(f, g), 2 * line_thickness());
-    r.x0 += 2 * line_thickness();
-    r.x1 -= 2 * line_thickness();
-    return r;
+    const ws_rect inside = rect_inset(gadget_body(f, g), box_edge());
+    const int beside = 2 * line_thickness();
+    // Of the height all but a row above and one beneath is needed for the text.
+    return { inside.x0 + beside, inside.y0 + 1, inside.x1 - beside, inside.y1 - 1 };
 }
 
 int field_text_advance(const char *text, int length)
@@ -196,7 +206,7 @@ ws_rect list_frame(const form *f, const gadget *g)
 
 ws_rect list_rows_rect(const form *f, const gadget *g)
 {
-    ws_rect r = rect_inset(list_frame(f, g), 2 * line_thickness());
+    ws_rect r = rect_inset(list_frame(f, g), box_edge());
     r.x1 -= form_pixels(SCROLL_BAR);
     return r;
 }
@@ -210,7 +220,7 @@ ws_rect list_row_rect(const form *f, const gadget *g, int item)
 
 static ws_rect scroll_bar(const form *f, const gadget *g)
 {
-    ws_rect r = rect_inset(list_frame(f, g), 2 * line_thickness());
+    ws_rect r = rect_inset(list_frame(f, g), box_edge());
     r.x0 = r.x1 - form_pixels(SCROLL_BAR) + 1;
     return r;
 }

@@ -13,6 +13,7 @@ inline int rect_height(ws_rect r) { return r.y1 - r.y0 + 1; }
 gadget *gadget_at(const form *f, int x, int y);          // the live one under the point, the newest first
 
 int line_thickness();                  // one bevel line: 1 pixel at scale 1.0, 2 at 1.5
+int box_edge();                        // frame of a field or list: a fine bevel and a line
 int toggle_needs_switch(const gadget *g);                // it shows its two states side by side
 ws_rect mark_rect(const form *f, const gadget *g);       // the box or circle of a toggle or radio
 ws_rect field_text_rect(const form *f, const gadget *g); // inside the frame
