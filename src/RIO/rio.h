@@ -17,8 +17,9 @@
 //
 // The library keeps no state but the records, rio_errno, rio_debug and rio_path_resolver.
 #pragma once
-#include <cstddef>
 #include <cstdint>
+
+#pragma GCC visibility push(default)
 
 // An open raster file. Its fields are the library's (RIO/CORE/rio_format.h).
 struct RFILE;
@@ -383,3 +384,5 @@ int rio_putrletile(RFILE *file, const void *buffer, int size, const int32_t *val
 // Reads a block of tiles into a picture of `row_bytes` a row. Pixels; 0 failed.
 int64_t rio_get_tile_rect(RFILE *file, int count, void *const *buffers, int64_t row_bytes, int tiles_wide,
                           int tiles_high);
+
+#pragma GCC visibility pop
