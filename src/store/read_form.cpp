@@ -25,7 +25,8 @@ enum read_gadget {
 };
 
 constexpr int NAME_FIELD_SIZE = 1024, NUMBER_FIELD_SIZE = 12;
-constexpr double WIDTH = 520, HEIGHT = 404, FIELD_LABELS = 92;
+// A character of the text font is at most 9 units wide, at either scale.
+constexpr double WIDTH = 580, HEIGHT = 430, FIELD_LABELS = 98, SECOND_COLUMN = 300;
 
 struct read_form {
     form *shown;
@@ -73,23 +74,23 @@ void add_choices(form *f)
 {
     const double first = 10 + 3 * FORM_PITCH + 6;
     form_add_toggle(f, THREE_FILES, FORM_MARGIN, first, "1 input file", "3 input files", 0);
-    form_add_toggle(f, FOREIGN, 270, first, "standard header", "foreign header", 0);
+    form_add_toggle(f, FOREIGN, SECOND_COLUMN, first, "standard header", "foreign header", 0);
     const double raw = first + FORM_PITCH;
-    add_number_field(f, WORDS_TO_SKIP, FORM_MARGIN, raw, "# words to skip", 112, 60);
-    form_add_label(f, SIZE_LABEL, 202, raw + 2, "Image size");
-    add_number_field(f, ROWS, 284, raw, "rows", 38, 62);
-    add_number_field(f, COLUMNS, 392, raw, "columns", 54, 62);
+    add_number_field(f, WORDS_TO_SKIP, FORM_MARGIN, raw, "# words to skip", 140, 54);
+    form_add_label(f, SIZE_LABEL, 218, raw + 2, "Image size");
+    add_number_field(f, ROWS, 314, raw, "rows", 42, 66);
+    add_number_field(f, COLUMNS, 430, raw, "columns", 70, 68);
     const double area = raw + FORM_PITCH;
     form_add_toggle(f, SUBSAMPLED, FORM_MARGIN, area, "full resolution", "subsampled", 0);
-    form_add_toggle(f, IMAGE_AREA, 270, area, "image area", nullptr, 0);
+    form_add_toggle(f, IMAGE_AREA, SECOND_COLUMN, area, "image area", nullptr, 0);
     const char *const corners[4] = { " x0", " y0", " x1", " y1" };
     for (int i = 0; i < 4; i++)
-        add_number_field(f, AREA_X0 + i, FORM_MARGIN + i * 124, area + FORM_PITCH, corners[i], 26, 84);
+        add_number_field(f, AREA_X0 + i, FORM_MARGIN + i * 141, area + FORM_PITCH, corners[i], 34, 92);
 }
 
 void add_list_and_buttons(form *f)
 {
-    const double top = 10 + 6 * FORM_PITCH + 12;
+    const double top = 10 + 7 * FORM_PITCH + 10;
     form_add_label(f, DIRECTORY, FORM_MARGIN, top, "Directory:");
     form_add_list(f, FILE_LIST, FORM_MARGIN, top + 20, WIDTH - FORM_MARGIN, HEIGHT - 46, nullptr);
     form_set_name(f, FILE_LIST, "files");
@@ -120,8 +121,8 @@ void update_states()
     static const char *const replace_labels[3] = { "  red band", "green band", " blue band" };
     static const char *const three_labels[3] = { "  file1(r)", "  file2(g)", "  file3(b)" };
     for (int i = 0; i < 3; i++) {
-        form_set_label_text(f, FILE_1 + i, replacing ? replace_labels[i] : three ? three_labels[i] : "  filename");
-        form_show(f, FILE_1 + i, i == 0 || three);
+        form_set_label_text(f, FILE_1 + i, replacing ? replace_labels[i] : three || i > 0 ? three_labels[i] : "  filename");
+        form_enable(f, FILE_1 + i, i == 0 || three);
     }
     for (const int choice : { THREE_FILES, FOREIGN, SUBSAMPLED, IMAGE_AREA })
         form_enable(f, choice, !replacing);
