@@ -89,3 +89,4 @@ add_custom_target(kestrel_data ALL DEPENDS ${kestrel_samples})
 add_dependencies(kestrel_data kestrel_fonts)
 
 install(DIRECTORY ${KESTREL_TARN}/ DESTINATION ${CMAKE_INSTALL_DATADIR}/kestrel/tarn)
+install(FILES ${PROJECT_SOURCE_DIR}/data/kestrel.def DESTINATION ${CMAKE_INSTALL_DATADIR}/kestrel/tarn)
