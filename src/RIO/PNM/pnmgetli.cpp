@@ -1,6 +1,7 @@
 // Reading lines. Raw lines have a fixed length and are read at their place; text lines are found by reading on, from
 // the nearest line whose place is known.
 #include "RIO/CORE/bit_lines.h"
+#include "RIO/CORE/split_pixels.h"
 #include "RIO/PNM/pnm.h"
 #include "RIO/PNM/pnmtext.h"
 
@@ -107,11 +108,7 @@ static void spread_bytes(const uint8_t *chunk, int pixels, int count, uint8_t **
 {
     uint8_t *red = plane(count, lines, 0), *green = plane(count, lines, 1), *blue = plane(count, lines, 2);
     if (red && green && blue) {
-        for (int i = 0; i < pixels; i++) {
-            red[x + i] = chunk[3 * i];
-            green[x + i] = chunk[3 * i + 1];
-            blue[x + i] = chunk[3 * i + 2];
-        }
+        rio_split_3(chunk, pixels, red + x, green + x, blue + x);
         return;
     }
     for (int s = 0; s < 3; s++)

@@ -1,4 +1,5 @@
 #include "RIO/CORE/bit_lines.h"
+#include "RIO/CORE/split_pixels.h"
 #include "RIO/PNM/pnm.h"
 #include <algorithm>
 #include <cstdio>
@@ -115,11 +116,15 @@ static int put_bits(RFILE *file, pnm_specs *specs, const uint8_t *line)
 static int put_colours(RFILE *file, pnm_specs *specs, int count, uint8_t **lines)
 {
     const int most = PNM_CHUNK / 3;
+    const bool whole = count >= 3 && lines[0] && lines[1] && lines[2];
     for (int64_t x = 0; x < file->width; x += most) {
         const int pixels = int(std::min<int64_t>(file->width - x, most));
-        for (int i = 0; i < pixels; i++)
-            for (int s = 0; s < 3; s++)
-                specs->chunk[3 * i + s] = sample_at(count, lines, s, x + i);
+        if (whole)
+            rio_join_3(lines[0] + x, lines[1] + x, lines[2] + x, pixels, specs->chunk);
+        else
+            for (int i = 0; i < pixels; i++)
+                for (int s = 0; s < 3; s++)
+                    specs->chunk[3 * i + s] = sample_at(count, lines, s, x + i);
         if (!rio_write_exact(file, specs->chunk, int64_t{pixels} * 3))
             return 0;
     }

@@ -79,12 +79,12 @@ static pnm_found scan(byte_feed *feed, RFILE *file, int most_digits, int32_t *nu
     }
 }
 
-pnm_found pnm_number(byte_feed *feed, RFILE *file, int32_t *number_out)
+pnm_found pnm_scan_number(byte_feed *feed, RFILE *file, int32_t *number_out)
 {
     return scan(feed, file, 0, number_out);
 }
 
-pnm_found pnm_digit(byte_feed *feed, RFILE *file, int32_t *digit_out)
+pnm_found pnm_scan_digit(byte_feed *feed, RFILE *file, int32_t *digit_out)
 {
     return scan(feed, file, 1, digit_out);
 }

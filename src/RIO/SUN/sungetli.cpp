@@ -1,6 +1,7 @@
 // Reading lines, a chunk of stored bytes at a time. Plain lines are read at their place; coded ones are found by
 // decoding on, from the nearest line whose place is known.
 #include "RIO/CORE/bit_lines.h"
+#include "RIO/CORE/split_pixels.h"
 #include "RIO/SUN/sun.h"
 #include <algorithm>
 
@@ -70,6 +71,11 @@ static void spread(const sun_specs *specs, int pixels, int count, uint8_t **line
         return;
     }
     const int pixel_bytes = int(specs->depth / 8);
+    if (pixel_bytes == 3 && count >= 3 && lines[0] && lines[1] && lines[2]) {
+        const int first = specs->type == SUN_RGB ? 0 : 2;
+        rio_split_3(specs->chunk, pixels, lines[first] + x, lines[1] + x, lines[2 - first] + x);
+        return;
+    }
     for (int s = 0; s < 3; s++)
         if (uint8_t *out = plane(count, lines, s)) {
             const int place = pixel_bytes - 3 + (specs->type == SUN_RGB ? s : 2 - s);

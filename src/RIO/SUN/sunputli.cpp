@@ -1,5 +1,6 @@
 #include "RIO/CORE/bit_lines.h"
 #include "RIO/CORE/line_runs.h"
+#include "RIO/CORE/split_pixels.h"
 #include "RIO/SUN/sun.h"
 #include <algorithm>
 #include <cstring>
@@ -106,6 +107,11 @@ static uint8_t sample_at(int count, uint8_t **lines, int sample, int64_t x)
 static void gather_colours(const sun_specs *specs, int pixels, int count, uint8_t **lines, int64_t x, uint8_t *stored)
 {
     const int pixel_bytes = int(specs->depth / 8);
+    if (pixel_bytes == 3 && count >= 3 && lines[0] && lines[1] && lines[2]) {
+        const int first = specs->type == SUN_RGB ? 0 : 2;
+        rio_join_3(lines[first] + x, lines[1] + x, lines[2 - first] + x, pixels, stored);
+        return;
+    }
     for (int i = 0; i < pixels; i++) {
         uint8_t *pixel = stored + i * pixel_bytes;
         if (pixel_bytes == 4)
