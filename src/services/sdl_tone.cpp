@@ -4,7 +4,10 @@
 #include <SDL.h>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <numbers>
+#include <string>
+#include <unistd.h>
 
 static constexpr int SAMPLE_RATE = 22050;
 static constexpr int TONE_SAMPLES = SAMPLE_RATE * 90 / 1000;
@@ -14,13 +17,27 @@ static constexpr double LOUDNESS = 2500;                       // of 32767
 static SDL_AudioDeviceID device;
 static bool tried;
 
+static bool exists(const std::string &path)
+{
+    return access(path.c_str(), F_OK) == 0;
+}
+
+// A sound card or a sound server. Without either the audio libraries would say so on standard error, at length.
+static bool machine_has_sound()
+{
+    const char *const runtime = getenv("XDG_RUNTIME_DIR");
+    const std::string directory = runtime ? runtime : "";
+    return getenv("PULSE_SERVER") || exists("/dev/snd")
+        || (!directory.empty() && (exists(directory + "/pulse/native") || exists(directory + "/pipewire-0")));
+}
+
 // One attempt a session: a machine without sound is asked only once.
 static bool device_is_open()
 {
     if (tried)
         return device != 0;
     tried = true;
-    if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0)
+    if (!machine_has_sound() || SDL_InitSubSystem(SDL_INIT_AUDIO) != 0)
         return false;
     SDL_AudioSpec wanted {};
     wanted.freq = SAMPLE_RATE;

@@ -324,7 +324,7 @@ static uint32_t paper()
 {
     if (flashing)
         return UI_ACCENT;
-    return background_slot > 0 && background_slot <= ws_state.info.max_index ? ws_state.colours[background_slot] : UI_PAPER;
+    return background_slot > 0 && background_slot <= ws_state.info.max_index ? ws_state.colours[background_slot] : UI_FACE;
 }
 
 static uint32_t ink()
@@ -354,6 +354,8 @@ static void paint_line(const ws_rect &field)
 {
     const ws_rect r = line_rect();
     scroll_to_cursor(r.x1 - r.x0 + 1);
+    if (!flashing)
+        paint_fill({ r.x0 - 2, field.y0, field.x1, field.y1 }, UI_PAPER);
     paint_text(ui_font(), field.x0 + TEXT_GAP, field.y0, field.x1, line.prefix.c_str(), ink());
     paint_text(ui_font(), r.x0, r.y0, r.x1, line.text.c_str() + line.first, ink());
     const int x = r.x0 + width_of(line.text.substr(size_t(line.first), size_t(line.cursor - line.first)));

@@ -59,8 +59,8 @@ TEST_F(strip_test, FieldsAreSunken)
         const ws_rect r = field(number);
         EXPECT_EQ(seen(r.x0 - 1, r.y0 + 5), uint32_t(UI_SHADE)) << number;
         EXPECT_EQ(seen(r.x1 + 1, r.y0 + 5), uint32_t(UI_LIGHT)) << number;
-        EXPECT_EQ(seen(r.x0, r.y0), uint32_t(UI_PAPER)) << number;
-        EXPECT_EQ(seen(r.x1, r.y1), uint32_t(UI_PAPER)) << number;
+        EXPECT_EQ(seen(r.x0, r.y0), uint32_t(UI_FACE)) << number;
+        EXPECT_EQ(seen(r.x1, r.y1), uint32_t(UI_FACE)) << number;
     }
 }
 
