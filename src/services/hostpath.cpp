@@ -334,7 +334,7 @@ int host_path_to_app(const char *host, char *out, int size)
     const std::string absolute = given.rfind('/', 0) == 0 ? given : joined(current, given);
     const std::vector<spelled> way = spellings_of(absolute, "", "/");
     if (given.empty() || way.empty())
-        return give(given.empty() ? "" : "\\", out, size) == 0;
+        return give(given.empty() ? "" : "\\", out, size);
 
     const bool plain = given.find('\\') == std::string::npos && std::none_of(way.begin(), way.end(), contradicts);
     if (plain)
@@ -343,10 +343,10 @@ int host_path_to_app(const char *host, char *out, int size)
     const std::string prefix = joined(current, "");
     const bool inside = absolute.rfind(prefix, 0) == 0 && absolute.size() > prefix.size();
     if (plain && give(with_backslashes(given), out, size) == 0)
-        return 1;
+        return 0;
     if (plain && inside && give(with_backslashes(absolute.substr(prefix.size())), out, size) == 0)
-        return 1;
-    return give(aliased(way.back().host, size), out, size) == 0;
+        return 0;
+    return give(aliased(way.back().host, size), out, size);
 }
 
 // --- normal form ------------------------------------------------------------------------------------------------

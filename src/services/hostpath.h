@@ -16,7 +16,7 @@ int host_path_resolver(const char *name, char *out, int size);
 
 // Makes an application path out of a host path from the command line or a drop: remembers its spelling, and shortens it to
 // fit `size` by making it relative to the current directory or by giving its directory an alias ("~1\name.tif"). Never cut. The letters keep their
-// case: path_normalise folds them. 1; 0 when `size` is too small even for an alias.
+// case: path_normalise folds them. 0; -1 when `size` is too small even for an alias.
 int host_path_to_app(const char *host, char *out, int size);
 
 // Folds letters to lower case, '/' to '\', and resolves "." and ".." in the part after the last ':'. In place.

@@ -31,6 +31,7 @@ static char echo_letter;               // of an Alt+letter, and when it was pres
 static uint32_t echo_time;
 static bool asking_for_close;
 static int pointer_questions;
+static bool backend_waits;             // what runs now was called by the backend's wait: a script's step
 
 void pump_start()
 {
@@ -41,6 +42,7 @@ void pump_start()
     echo_letter = 0;
     asking_for_close = false;
     pointer_questions = 0;
+    backend_waits = false;
 }
 
 void pump_keys_to_forms() { line_has_keys = false; }
@@ -381,12 +383,19 @@ int pump_due_in()
     return sooner(sooner(timers_due_in(now), button_due_in(now)), strip_due_in(now));
 }
 
+static void wait_for_input(int timeout_ms)
+{
+    compose_and_present();
+    backend_waits = true;
+    ws_state.backend->wait(timeout_ms);
+    backend_waits = false;
+}
+
 void pump_pointer_asked()
 {
-    if (!ws_state.entered || pointer_questions++ == 0 || (pending_events() & WS_BUTTON))
+    if (!ws_state.entered || backend_waits || pointer_questions++ == 0 || (pending_events() & WS_BUTTON))
         return;
-    compose_and_present();
-    ws_state.backend->wait(sooner(POINTER_PAUSE_MS, pump_due_in()));
+    wait_for_input(sooner(POINTER_PAUSE_MS, pump_due_in()));
     pump();
 }
 
@@ -399,6 +408,7 @@ uint32_t ws_now()
 
 int ws_pending(uint32_t *mask_out)
 {
+    backend_waits = false;             // a command that a script's step runs polls like any other
     pump();
     if (ws_state.entered)
         present_if_due();
@@ -413,8 +423,7 @@ int ws_wait_event(uint32_t mask, uint32_t *pending_out)
             return -1;
         if (*pending_out & mask)
             return 0;
-        compose_and_present();
-        ws_state.backend->wait(pump_due_in());
+        wait_for_input(pump_due_in());
     }
 }
 

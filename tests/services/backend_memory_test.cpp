@@ -64,6 +64,22 @@ TEST_F(memory_screen_test, TheIdleFunctionIsNotAskedWhileEventsWait)
     EXPECT_EQ(idle_calls, 0);
 }
 
+TEST_F(memory_screen_test, TheIdleFunctionMayAskForThePointerWithoutBeingAskedAgain)
+{
+    memory_backend_on_idle([] {
+        idle_calls++;
+        int w, x, y, inside;
+        for (int i = 0; i < 5; i++)
+            ws_pointer_anywhere(&w, &x, &y, &inside);
+        ws_post_user_event(7);
+        return 1;
+    });
+    uint32_t word;
+    ASSERT_EQ(ws_wait_event(WS_USER, &word), 0);
+    EXPECT_EQ(idle_calls, 1);
+    EXPECT_EQ(ws_now(), 0u);
+}
+
 TEST_F(memory_screen_test, AWaitWithATimeLimitLetsTheTimePass)
 {
     memory_backend_on_idle([] { idle_calls++; return 0; });

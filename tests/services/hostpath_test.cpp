@@ -52,7 +52,7 @@ struct hostpath_test : testing::Test {
     {
         char out[HOST_PATH_MAX];
         result = host_path_to_app(host.c_str(), out, size);
-        return result ? out : "";
+        return result == 0 ? out : "";
     }
 };
 
@@ -250,6 +250,14 @@ TEST_F(hostpath_test, ANameTooLongForARecordIsAnAliasItself)
     EXPECT_LT(given.size(), size_t(APP_PATH_MAX));
     EXPECT_EQ(given.substr(given.size() - 4), ".tif");
     EXPECT_EQ(content(normal(given)), name);
+}
+
+TEST_F(hostpath_test, WithNoRoomEvenForAnAliasNothingIsGiven)
+{
+    make_file("map.tif");
+    EXPECT_EQ(app("map.tif", 8), "map.tif");
+    EXPECT_EQ(app("map.tif", 6), "");
+    EXPECT_EQ(result, -1);
 }
 
 TEST_F(hostpath_test, ANameWithABackslashCanBeOpened)
