@@ -6,6 +6,7 @@
 #include "services/hostpath.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <dirent.h>
 #include <fnmatch.h>
@@ -38,6 +39,31 @@ static std::string folded(std::string text)
 {
     std::transform(text.begin(), text.end(), text.begin(), fold);
     return text;
+}
+
+static bool is_utf8(const std::string &text)
+{
+    int following = 0;
+    for (const char c : text) {
+        const uint8_t byte = uint8_t(c);
+        const bool continues = (byte & 0xC0) == 0x80;
+        if (continues != (following > 0) || byte >= 0xF8)
+            return false;
+        following = continues ? following - 1 : byte < 0xC0 ? 0 : byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;
+    }
+    return following == 0;
+}
+
+static std::string utf8_of_latin1(const std::string &text)
+{
+    std::string utf8;
+    for (const char c : text) {
+        const uint8_t byte = uint8_t(c);
+        if (byte >= 0x80)
+            utf8 += char(0xC0 | byte >> 6);
+        utf8 += char(byte < 0x80 ? byte : 0x80 | (byte & 0x3F));
+    }
+    return utf8;
 }
 
 static bool is_separator(char c)
@@ -176,8 +202,10 @@ static std::string last_component(const std::string &host)
     return host.substr(host.rfind('/') + 1);
 }
 
-static void step(walk *at, const std::string &name)
+static void step(walk *at, const std::string &written)
 {
+    // Typed text is Latin-1, where the names of the host's files are UTF-8 as a rule.
+    const std::string name = is_utf8(written) || exists(joined(at->host, written)) ? written : utf8_of_latin1(written);
     if (name == ".")
         return;
     if (name == "..") {

@@ -1,7 +1,8 @@
 // hostpath.h - the one place that knows how the application's paths meet the host's file system.
 // Application paths have '\' between components ('/' counts the same), may begin with a drive ("c:" is the root directory),
 // are folded to lower case by path_normalise and fit 80-character records. A component is matched exactly first and
-// then without regard to case. "c:\tarn\" is the installed data directory unless a real /tarn exists.
+// then without regard to case (of ASCII letters; a name in Latin-1, as it is typed, is taken for its UTF-8 form, unless a file of
+// those bytes exists). "c:\tarn\" is the installed data directory unless a real /tarn exists.
 #pragma once
 
 constexpr int HOST_PATH_MAX = 4096;

@@ -130,6 +130,17 @@ TEST_F(hostpath_test, LettersBeyondAsciiMustMatchByteByByte)
     EXPECT_EQ(result, 0);
 }
 
+TEST_F(hostpath_test, ATypedNameInLatin1FindsItsFileInUtf8)
+{
+    make_file("H\xC3\xB6he.tif");
+    EXPECT_EQ(path("H\xF6he.tif"), "H\xC3\xB6he.tif");
+    EXPECT_EQ(path("h\xF6he.TIF"), "H\xC3\xB6he.tif");
+    EXPECT_EQ(path("K\xFCste.tif"), "K\xC3\xBCste.tif");   // a new file
+    EXPECT_EQ(result, 0);
+    make_file("H\xF6he.tif");
+    EXPECT_EQ(path("H\xF6he.tif"), "H\xF6he.tif");
+}
+
 TEST_F(hostpath_test, APathThatDoesNotExistIsGivenForCreatingIt)
 {
     make_directory("Out");
