@@ -84,6 +84,7 @@ static int is_character(int key)
 
 int edit_key(field_edit *edit, char *value, int size, int key)
 {
+    edit_clamp(edit, value);
     switch (key) {
     case WS_KEY_HOME:        edit_place(edit, value, 0, 0); return 1;
     case WS_KEY_END:         edit_place(edit, value, length_of(value), 0); return 1;

@@ -11,7 +11,7 @@ struct field_edit {
 void edit_select_all(field_edit *edit, const char *value);
 void edit_place(field_edit *edit, const char *value, int position, int extend);  // extend keeps the anchor
 int edit_has_selection(const field_edit *edit);
-void edit_clamp(field_edit *edit, const char *value);   // after the value was changed from outside
+void edit_clamp(field_edit *edit, const char *value);   // for a value that may have been changed from outside
 
 // One key byte (ws_key_byte or a character). 1 when it was an editing key, used or not; 0 when it means nothing to a field.
 // `size` is the buffer's, with the ending zero; what does not fit is dropped.

@@ -88,7 +88,9 @@ int form_point_of(form *f, gadget *g, double across, int *x_out, int *y_out)
 {
     if (!f || !g)
         return -1;
-    const ws_rect body = gadget_body(f, g);
+    ws_rect body = gadget_body(f, g);
+    if (g->kind == GADGET_SLIDER)
+        body = slider_middles(f, g);
     const double share = std::clamp(across, 0.0, 1.0);
     to_frame(f, body.x0 + int(share * (rect_width(body) - 1) + 0.5), (body.y0 + body.y1) / 2, x_out, y_out);
     return 0;

@@ -71,6 +71,11 @@ static void activate(form *f, gadget *g)
     }
 }
 
+static int stays_down(int transition)
+{
+    return transition == WS_DOWN || transition == WS_DOUBLE_DOWN;
+}
+
 // --- sliders and lists -----------------------------------------------------------------------------------------
 
 static void slide_to(form *f, gadget *g, double value)
@@ -87,11 +92,13 @@ static void slide_with_pointer(form *f, gadget *g, int x)
     slide_to(f, g, slider_value_at(g, slider_share_at(f, g, x - f->grip)));
 }
 
-static void press_slider(form *f, gadget *g, int x)
+// A press on the thumb takes hold of it where it is; a press elsewhere, or a quick click, brings its middle to the pointer.
+static void press_slider(form *f, gadget *g, int x, int transition)
 {
     const ws_rect thumb = slider_thumb(f, g);
+    const int takes_hold = stays_down(transition) && x >= thumb.x0 && x <= thumb.x1;
     f->held_part = HELD_SLIDER;
-    f->grip = x >= thumb.x0 && x <= thumb.x1 ? x - thumb.x0 : rect_width(thumb) / 2;
+    f->grip = takes_hold ? x - thumb.x0 : rect_width(thumb) / 2;
     slide_with_pointer(f, g, x);
 }
 
@@ -134,7 +141,7 @@ static void hold_step(form *f, gadget *g, int rows, int y, int down)
 static void press_list(form *f, gadget *g, int x, int y, int transition, uint32_t time)
 {
     const ws_rect thumb = list_thumb(f, g);
-    const int visible = list_visible_rows(f, g), down = transition == WS_DOWN || transition == WS_DOUBLE_DOWN;
+    const int visible = list_visible_rows(f, g), down = stays_down(transition);
     const int item = list_item_at(f, g, x, y);
     if (item >= 0)
         click_item(f, g, item, transition, time);
@@ -237,7 +244,7 @@ static void press(form *f, int x, int y, int transition, uint32_t time)
     f->held = g;
     switch (g->kind) {
     case GADGET_FIELD:  press_field(f, g, x, transition); break;
-    case GADGET_SLIDER: press_slider(f, g, x); break;
+    case GADGET_SLIDER: press_slider(f, g, x, transition); break;
     case GADGET_LIST:   press_list(f, g, x, y, transition, time); break;
     default:
         f->held_part = HELD_BUTTON;

@@ -20,6 +20,7 @@ struct form {
     int stale;                         // something changed while it could not be drawn
     form *covered;                     // the running form beneath it
     int window;                        // 0 as a pop-up
+    int collapsed;                     // an ordinary window was seen as an icon
     int x, y, pixel_width, pixel_height;   // on the frame, title band included
     int band;                          // height of the title band in pixels, 0 in an ordinary window
     form_notify notify;

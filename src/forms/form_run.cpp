@@ -213,13 +213,14 @@ static void look_at_window(form *f)
         return;
     }
     const int resized = x1 - x0 + 1 != f->pixel_width || y1 - y0 + 1 != f->pixel_height;
+    const int restored = f->collapsed && !ws_window_collapsed(f->window);
     f->x = x0;
     f->y = y0;
-    if (resized) {
-        f->pixel_width = x1 - x0 + 1;
-        f->pixel_height = y1 - y0 + 1;
+    f->pixel_width = x1 - x0 + 1;
+    f->pixel_height = y1 - y0 + 1;
+    f->collapsed = ws_window_collapsed(f->window);
+    if (resized || restored)
         form_draw(f);
-    }
 }
 
 static void take_timer(form *f)
@@ -263,6 +264,8 @@ int form_run(form *f, int x, int y, form_notify notify, void *data, int *last_ou
 {
     if (!f || f->incomplete || f->running)
         return FORM_CANCELLED;
+    if (form *const beneath = form_top())
+        input_release_all(beneath);            // the release of what it holds will not reach it
     measure(f);
     place(f, x, y);
     if (!open_form(f))

@@ -173,5 +173,6 @@ const char *form_title(form *f);
 // Gadgets that can be operated come before labels and groups. Hidden ones are not found. Null when there is none.
 gadget *form_find(form *f, const char *text);
 gadget *form_find_kind(form *f, int kind, const char *text);   // only among gadgets of that kind
-int form_point_of(form *f, gadget *g, double across, int *x_out, int *y_out);  // a point of the gadget's body, in frame pixels; across 0 to 1
+// A point of the gadget's body, in frame pixels; across 0 to 1. On a slider a click there sets that share of its range.
+int form_point_of(form *f, gadget *g, double across, int *x_out, int *y_out);
 int form_list_item_point(form *f, gadget *g, const char *item, int *x_out, int *y_out);  // scrolls to the item; -1 when it is not there

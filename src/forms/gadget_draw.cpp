@@ -183,7 +183,8 @@ static void draw_field_text(const form *f, const gadget *g)
     const forms_palette &colours = style().palette;
     const ws_rect r = field_text_rect(f, g);
     const int focused = has_focus(f, g);
-    const field_edit edit = focused ? f->edit : field_edit{};
+    field_edit edit = focused ? f->edit : field_edit{};
+    edit_clamp(&edit, g->value);
     const char *const shown = g->value + edit.first;
     paint_text(f, style().text_font, r, shown, text_length(shown), TEXT_LEFT, colours.black, g->disabled);
     if (!focused)

@@ -177,6 +177,13 @@ ws_rect slider_thumb(const form *f, const gadget *g)
     return { left, track.y0, left + form_pixels(THUMB) - 1, track.y1 };
 }
 
+ws_rect slider_middles(const form *f, const gadget *g)
+{
+    const ws_rect track = slider_track(f, g);
+    const int left = track.x0 + form_pixels(THUMB) / 2;
+    return { left, track.y0, left + thumb_travel(track), track.y1 };
+}
+
 double slider_share_at(const form *f, const gadget *g, int thumb_x)
 {
     const ws_rect track = slider_track(f, g);

@@ -21,6 +21,7 @@ int field_text_advance(const char *text, int length);    // width in the text fo
 double label_room(const gadget *g);                      // units left of the body
 
 ws_rect slider_track(const form *f, const gadget *g);    // the thumb moves within it
+ws_rect slider_middles(const form *f, const gadget *g);  // from the thumb's middle at low to its middle at high
 ws_rect slider_thumb(const form *f, const gadget *g);
 ws_rect slider_value_rect(const form *f, const gadget *g);   // empty when the value is not shown
 void slider_value_text(const gadget *g, char *out, int size);

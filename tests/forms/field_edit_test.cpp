@@ -127,6 +127,14 @@ TEST(FieldEdit, AFullBufferTakesNoMore)
     EXPECT_STREQ(l.value, "abd");
 }
 
+TEST(FieldEdit, AValueThatWasShortenedFromOutsideIsEditedAtItsEnd)
+{
+    line l = line_of("long text", 9);
+    std::strcpy(l.value, "ab");
+    key(&l, 'c');
+    EXPECT_STREQ(l.value, "abc");
+}
+
 TEST(FieldEdit, ScrollsSoThatTheCaretIsInSight)
 {
     line l = line_of("0123456789", 10);

@@ -215,6 +215,45 @@ TEST_F(FormPointer, ASliderFollowsAClickOnItsTrack)
     EXPECT_EQ(noted(), "1:changed 1:changed");
 }
 
+TEST_F(FormPointer, AClickSetsTheVeryShareEvenUnderTheThumb)
+{
+    form_add_slider(f, 1, 10, 10, 290, "amount", 0, 1, 0.26, 0);
+    step_click("amount", 0.25);
+    step([this] { EXPECT_DOUBLE_EQ(form_gadget(f, 1)->position, 0.25); });
+    step_click("amount", 0.24);
+    step_esc();
+    run();
+    EXPECT_DOUBLE_EQ(form_gadget(f, 1)->position, 0.24);
+}
+
+TEST_F(FormPointer, APressOnTheThumbTakesHoldWithoutMovingIt)
+{
+    form_add_slider(f, 1, 10, 10, 290, "amount", 0, 1, 0.5, 0);
+    step_press("amount", 0.51);
+    step([this] { EXPECT_EQ(form_gadget(f, 1)->position, 0.5); });
+    step_move("amount", 0.61);
+    step_release("amount", 0.61);
+    step_esc();
+    run();
+    EXPECT_NEAR(form_gadget(f, 1)->position, 0.6, 0.011);  // a hundredth for the pixels' rounding
+}
+
+TEST_F(FormPointer, ABoxThatOpensDuringADragEndsTheDrag)
+{
+    form_add_slider(f, 1, 10, 10, 290, "amount", 0, 100, 0, 1);
+    const auto complain = [](form *, gadget *, int, void *) {
+        report(REPORT_INFO, "too much");
+        return int(FORM_STAY);
+    };
+    step_press("amount", 0.5);                             // the box is up, with the button still down
+    step_release("OK");
+    step_key(KEY_RETURN);
+    step_move("amount", 1);
+    step_esc();
+    form_run(f, 50, 60, complain, nullptr, nullptr);
+    EXPECT_EQ(form_gadget(f, 1)->position, 50);
+}
+
 TEST_F(FormPointer, ASliderIsDraggedStepByStep)
 {
     form_add_slider(f, 1, 10, 10, 290, "amount", 0, 4, 0, 2);

@@ -229,6 +229,28 @@ TEST_F(FormRun, ClosingTheOrdinaryWindowCancels)
     popup_forms = 1;
 }
 
+TEST_F(FormRun, AnOrdinaryWindowIsWholeAgainAfterItWasAnIcon)
+{
+    popup_forms = 0;
+    form_add_swatch(f, 1, 1, 10, 10, 100, 60, 0xFF0000, 0);
+    int x = 0, y = 0;
+    const auto form_window = [] {
+        int w = 1;
+        while (w < WS_WINDOWS && !ws_window_shown(w))
+            w++;
+        return w;
+    };
+    step([&] { form_point_of(f, form_gadget(f, 1), 0.5, &x, &y); ws_collapse(form_window()); });
+    step([] { memory_backend_advance(300); });
+    step([&] { form_gadget(f, 1)->colour = 0x00FF00; form_redraw(f); ws_uncollapse(form_window()); });
+    step([] { memory_backend_advance(300); });
+    step([] {});
+    step([&] { EXPECT_EQ(screen_pixel(x, y), 0x00FF00u); });
+    step_esc();
+    form_run(f, 100, 100, nullptr, nullptr, nullptr);
+    popup_forms = 1;
+}
+
 TEST_F(FormRun, StopsListeningToKeysWhenItEnds)
 {
     step_esc();
