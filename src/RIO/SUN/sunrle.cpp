@@ -5,6 +5,18 @@
 static constexpr uint8_t ESCAPE = 128;
 static constexpr int LONGEST_RUN = 256;
 
+// Most runs are short: those are stored as two words where there is room behind them, since a call takes longer.
+static void fill_run(uint8_t *out, uint8_t value, int count, int64_t room)
+{
+    if (count > 16 || room < 16) {
+        memset(out, value, size_t(count));
+        return;
+    }
+    const uint64_t word = value * 0x0101010101010101u;
+    memcpy(out, &word, 8);
+    memcpy(out + 8, &word, 8);
+}
+
 // The bytes up to the next escape or the buffer's end, as they stand.
 static int64_t take_literals(sun_runs *runs, uint8_t *out, int64_t count)
 {
@@ -18,12 +30,20 @@ static int64_t take_literals(sun_runs *runs, uint8_t *out, int64_t count)
     return taken;
 }
 
-// Begins the run behind an escape. 0 when the file ends inside it.
+// Begins the run of the escape that comes next. 0 when the file ends inside it.
 static int begin_run(sun_runs *runs, RFILE *file)
 {
-    feed_byte(&runs->feed, file);
-    const int n = feed_byte(&runs->feed, file);
-    const int value = n > 0 ? feed_byte(&runs->feed, file) : ESCAPE;
+    byte_feed *feed = &runs->feed;
+    const uint8_t *code = feed->bytes + feed->at;
+    if (feed->used - feed->at >= 3 && code[1]) {
+        runs->left = code[1] + 1;
+        runs->value = code[2];
+        feed->at += 3;
+        return 1;
+    }
+    feed_byte(feed, file);
+    const int n = feed_byte(feed, file);
+    const int value = n > 0 ? feed_byte(feed, file) : ESCAPE;
     if (n < 0 || value < 0)
         return 0;
     runs->left = n + 1;
@@ -38,16 +58,16 @@ int64_t sun_decode(sun_runs *runs, RFILE *file, uint8_t *out, int64_t count)
         if (runs->left) {
             const int part = int(std::min<int64_t>(runs->left, count - done));
             if (out)
-                memset(out + done, runs->value, size_t(part));
+                fill_run(out + done, runs->value, part, count - done);
             runs->left -= part;
             done += part;
             continue;
         }
         if (runs->feed.at == runs->feed.used && !feed_fill(&runs->feed, file))
             break;
-        const int64_t taken = take_literals(runs, out ? out + done : nullptr, count - done);
-        done += taken;
-        if (!taken && !begin_run(runs, file))
+        if (runs->feed.bytes[runs->feed.at] != ESCAPE)
+            done += take_literals(runs, out ? out + done : nullptr, count - done);
+        else if (!begin_run(runs, file))
             break;
     }
     return done;
