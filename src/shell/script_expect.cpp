@@ -196,7 +196,7 @@ struct expectation {
 };
 
 static constexpr expectation expectations[] = {
-    { "message", 2, expect_message },  { "report", 2, expect_report },     { "title", 2, expect_title },
+    { "message", 2, expect_message },  { "report", 2, expect_report, true }, { "title", 2, expect_title },
     { "prompt", 1, expect_prompt },    { "form", 1, expect_form },         { "field", 2, expect_field },
     { "gadget", 2, expect_gadget },    { "pixel", 4, expect_pixel },       { "slot", 4, expect_slot },
     { "windows", 1, expect_windows },  { "active", 1, expect_active },     { "checked", 2, expect_checked },

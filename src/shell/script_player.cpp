@@ -198,6 +198,10 @@ static int finish(int status)
     while (player.next < player.steps->size())
         run_next_step();
     std::fflush(stdout);
+    if (!player.started && !player.reports.empty()) {
+        std::fprintf(stderr, "%s: the program did not start: %s\n", player.script_name, player.reports.back().text.c_str());
+        return EXIT_FAILURE;
+    }
     if (player.faults && mem_fail_countdown >= 0) {
         std::fprintf(stderr, "%s: KESTREL_FAIL_ALLOC: there are not so many allocations\n", player.script_name);
         return 2;
