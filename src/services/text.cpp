@@ -32,13 +32,29 @@ static bool far_away(int v)
     return v < INT_MIN / 2 || v > INT_MAX / 2;
 }
 
+// The character at text[*at], in Latin-1, and *at behind it. File names of the host are UTF-8: a valid sequence is one
+// character, '?' when Latin-1 does not have it. Any other byte stands for itself.
+static uint8_t next_character(const char *text, int length, int *at)
+{
+    const uint8_t lead = uint8_t(text[(*at)++]);
+    const int more = lead >= 0xC2 && lead < 0xE0 ? 1 : lead >= 0xE0 && lead < 0xF0 ? 2 : lead >= 0xF0 && lead < 0xF5 ? 3 : 0;
+    if (more == 0 || *at + more > length)
+        return lead;
+    for (int i = 0; i < more; i++)
+        if ((text[*at + i] & 0xC0) != 0x80)
+            return lead;
+    const uint8_t second = uint8_t(text[*at]);
+    *at += more;
+    return lead < 0xC4 ? uint8_t(lead << 6 | (second & 0x3F)) : uint8_t('?');
+}
+
 int stamp_text(const pixel_store &store, const ws_rect &clip, int font, int x, int y, const char *text, int length, uint32_t value)
 {
     if (far_away(x) || far_away(y))
         return x;
-    for (int i = 0; i < length; i++) {
+    for (int i = 0; i < length;) {
         font_glyph glyph;
-        if (!font_glyph_of(font, uint8_t(text[i]), &glyph))
+        if (!font_glyph_of(font, next_character(text, length, &i), &glyph))
             continue;
         if (x > clip.x1)
             break;
@@ -53,9 +69,9 @@ int ws_text_width(int font, const char *text, int length, int *width_out)
     if (ws_font_height(font) == 0)
         return -1;
     int width = 0;
-    for (int i = 0; i < length; i++) {
+    for (int i = 0; i < length;) {
         font_glyph glyph;
-        if (font_glyph_of(font, uint8_t(text[i]), &glyph))
+        if (font_glyph_of(font, next_character(text, length, &i), &glyph))
             width += glyph.advance;
     }
     *width_out = width;

@@ -204,3 +204,20 @@ TEST_F(screen_test, LargeFramesHaveLargerLetters)
     EXPECT_EQ(ws_font_height(ui_font()), 18);
     EXPECT_EQ(ws_font_height(ui_bold_font()), 18);
 }
+
+TEST_F(screen_test, FileNamesInUtf8AreAsWideAsTheirLatin1Letters)
+{
+    int font, utf8, latin1, plain, other;
+    ASSERT_EQ(ws_load_font("sans.16", &font), 0);
+    ws_text_width(font, "\xC3\xBC" "ber", 5, &utf8);       // u with two dots, in two bytes
+    ws_text_width(font, "\xFC" "ber", 4, &latin1);
+    EXPECT_EQ(utf8, latin1);
+    ws_text_width(font, "\xE2\x82\xAC", 3, &other);        // the euro sign is not in Latin-1
+    ws_text_width(font, "?", 1, &plain);
+    EXPECT_EQ(other, plain);
+    int cut, tilde;
+    ws_text_width(font, "\xC3" "A", 2, &cut);               // no sequence: A with a tilde, and A
+    ws_text_width(font, "\xC3", 1, &tilde);
+    ws_text_width(font, "A", 1, &plain);
+    EXPECT_EQ(cut, tilde + plain);
+}
