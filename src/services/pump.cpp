@@ -14,7 +14,7 @@ ws_hooks ws_application_hooks;
 
 static constexpr int MOUSE_BUTTONS = 3;
 static constexpr uint32_t ECHO_MS = 50;      // an Alt+letter's own text event comes within this time
-static constexpr int POINTER_PAUSE_MS = 8;   // between two looks at a pointer that rests
+static constexpr int POINTER_PAUSE_MS = 20;  // between two looks at a pointer that rests
 
 enum press_owner { OWNER_NONE, OWNER_MENU, OWNER_FRAMES, OWNER_CLIENT, OWNER_NOBODY };
 
