@@ -167,6 +167,7 @@ struct walk {
     std::string host;                  // "" is the current directory
     std::string key;                   // folded, absolute or from an alias; no '/' at its end
     bool missing;                      // what comes from here on does not exist
+    bool typed;                        // a name that exists as written is meant, whatever was spelled like it before
 };
 
 static void key_up(std::string *key)
@@ -214,8 +215,9 @@ static void step(walk *at, const std::string &written)
         return;
     }
     at->key += "/" + folded(name);
-    const std::string *const whole = remembered(at->key, name);
-    const std::string as_given = joined(at->host, whole ? last_component(*whole) : name), as_named = joined(at->host, name);
+    const std::string as_named = joined(at->host, name);
+    const std::string *const whole = at->typed && exists(as_named) ? nullptr : remembered(at->key, name);
+    const std::string as_given = whole ? joined(at->host, last_component(*whole)) : as_named;
     if (!at->missing) {
         for (const std::string &candidate : { whole ? *whole : as_given, as_given, as_named }) {
             if (exists(candidate)) {
@@ -259,25 +261,26 @@ static size_t first_step(walk *at, const std::vector<std::string> &components, b
 {
     if (!absolute) {
         const size_t alias = components.empty() ? 0 : alias_of(components[0]);
-        *at = { alias ? memory.aliases[alias - 1] : "", alias ? "~" + std::to_string(alias) : folded(current_directory()), false };
+        *at = { alias ? memory.aliases[alias - 1] : "", alias ? "~" + std::to_string(alias) : folded(current_directory()), false, at->typed };
         if (at->key == "/")
             at->key = "";
         return alias ? 1 : 0;
     }
-    *at = { "/", "", false };
+    *at = { "/", "", false, at->typed };
     const bool data = !components.empty() && folded(components[0]) == DATA_DRIVE_NAME && !is_directory("/tarn")
                       && host_data_directory()[0];
     if (!data)
         return 0;
-    *at = { host_data_directory(), std::string("/") + DATA_DRIVE_NAME, false };
+    *at = { host_data_directory(), std::string("/") + DATA_DRIVE_NAME, false, at->typed };
     return 1;
 }
 
-int host_path(const char *name, char *out, int size)
+static int resolve(const char *name, bool typed, char *out, int size)
 {
     bool absolute;
     const std::vector<std::string> components = components_of(without_drive(name, &absolute), true);
-    walk at;
+    walk at {};
+    at.typed = typed;
     for (size_t i = first_step(&at, components, absolute); i < components.size(); i++)
         step(&at, components[i]);
     // "." and what leads back to the current directory leave no component behind.
@@ -286,6 +289,16 @@ int host_path(const char *name, char *out, int size)
     if (give(at.host, out, size) != 0)
         return -1;
     return exists(at.host) ? 1 : 0;
+}
+
+int host_path(const char *name, char *out, int size)
+{
+    return resolve(name, false, out, size);
+}
+
+int host_path_typed(const char *name, char *out, int size)
+{
+    return resolve(name, true, out, size);
 }
 
 int host_path_resolver(const char *name, char *out, int size)

@@ -12,7 +12,11 @@ constexpr int APP_PATH_MAX  = 80;      // with the ending zero: what fits a band
 // the spelling that the operator used if known, the existing directories matched). -1 when it does not fit `size`.
 int host_path(const char *name, char *out, int size);
 
-// Same, in the form the raster library takes as its resolver.
+// Same, for a name that the operator has just typed or picked: a file that exists as it is written is meant, even when another one
+// of the same letters in other cases was opened before.
+int host_path_typed(const char *name, char *out, int size);
+
+// Same as host_path, in the form the raster library takes as its resolver.
 int host_path_resolver(const char *name, char *out, int size);
 
 // Makes an application path out of a host path from the command line or a drop: remembers its spelling, and shortens it to

@@ -43,5 +43,5 @@ int loader_name(const char *typed, char *out, int size)
     if (!typed[0])
         return 0;
     prefix_image_path(typed, name, sizeof name);
-    return host_path(name, host, sizeof host) >= 0 && host_path_to_app(host, out, size) >= 0;
+    return host_path_typed(name, host, sizeof host) >= 0 && host_path_to_app(host, out, size) >= 0;
 }

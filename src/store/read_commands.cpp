@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "display/vlt.h"
-#include "services/hostpath.h"
 #include "shell/session.h"
 #include "store/bands.h"
 #include "store/load.h"
@@ -14,7 +13,7 @@
 
 namespace {
 
-constexpr int NAME_SIZE = HOST_PATH_MAX;
+constexpr int NAME_SIZE = BAND_NAME_SIZE;
 constexpr const char *FILE_NAME_PROMPT = "Enter file name";
 constexpr const char *COLOUR_PROMPTS[3] = { "Enter file name of red band", "Enter file name of green band", "Enter file name of blue band" };
 constexpr const char *OFFSET_PROMPT = "Enter word offset to beginning of data";

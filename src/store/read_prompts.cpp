@@ -6,7 +6,7 @@
 #include "services/ws.h"
 #include "shell/prompt.h"
 #include "shell/session.h"
-#include "store/image_path.h"
+#include "store/file_class.h"
 
 namespace {
 
@@ -53,8 +53,7 @@ int ask_file_name(const char *title, const char *prompt, char *name, int size)
     clear_prompt();
     if (input != INPUT_KEYIN)
         return 0;
-    prefix_image_path(keyin_buffer, name, size);
-    return 1;
+    return loader_name(keyin_buffer, name, size);
 }
 
 int ask_integer(const char *title, const char *prompt, int *value_out)

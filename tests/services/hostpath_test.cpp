@@ -211,6 +211,17 @@ TEST_F(hostpath_test, TwoFilesThatDifferInCaseCanBothBeNamed)
     EXPECT_EQ(content(second), "Map.TIF");
 }
 
+TEST_F(hostpath_test, ATypedNameThatExistsAsWrittenIsThatFile)
+{
+    make_file("Map.tif");
+    make_file("map.tif");
+    char host[HOST_PATH_MAX];
+    EXPECT_EQ(app("Map.tif"), "Map.tif");
+    EXPECT_EQ(content("map.tif"), "Map.tif");   // folded, it is what was opened before
+    ASSERT_EQ(host_path_typed("map.tif", host, sizeof host), 1);
+    EXPECT_STREQ(host, "map.tif");
+}
+
 TEST_F(hostpath_test, DirectoriesThatDifferInCaseAreToldApartToo)
 {
     make_directory("data");
