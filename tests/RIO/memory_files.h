@@ -1,6 +1,7 @@
 // memory_files.h - raster files in memory for tests: bytes in, lines out, and back.
 #pragma once
 #include "RIO/rio.h"
+#include "mem.h"
 #include <cstring>
 #include <string>
 #include <vector>
@@ -96,4 +97,22 @@ inline int read_through(const bytes &content)
     }
     rio_close(file);
     return lines;
+}
+
+// Reads a good file again and again with the first, second, ... allocation failing, until none fails. Every try ends in an
+// error or in all the lines. Answers the allocations that were made to fail; -1 when a try gave something else.
+inline int read_with_memory_faults(const bytes &content)
+{
+    const int lines = read_through(content);
+    for (int n = 0; n < 1000; n++) {
+        mem_fail_countdown = n;
+        const int got = read_through(content);
+        const bool reached = mem_fail_countdown < 0;
+        mem_fail_countdown = -1;
+        if (!reached)
+            return got == lines ? n : -1;
+        if (got > lines || (got < lines && got >= 0 && rio_errno == 0))
+            return -1;
+    }
+    return -1;
 }

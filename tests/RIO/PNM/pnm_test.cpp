@@ -329,3 +329,31 @@ TEST(PnmWrite, OpenedForModifyALineIsReplacedInPlace)
     rio_close(file);
     EXPECT_EQ(std::string(memory.data.begin(), memory.data.end()), "P5 2 3 255\nabXYef");
 }
+
+TEST(PnmRead, MemoryFaultsAreErrorsAndNothingElse)
+{
+    std::string text = "P2 2 40 15\n";     // the scaling, the places of lines and the record itself take memory
+    for (int i = 0; i < 80; i++)
+        text += "7 ";
+    EXPECT_GE(read_with_memory_faults(text_bytes(text)), 3);
+}
+
+// 4 x 4 to 2 x 2, nearest: columns 0 and 2 of lines 0 and 2.
+TEST(PnmRead, LinesSqueezeLikeThoseOfAnyFormat)
+{
+    memory_file memory(text_bytes("P2 4 4 255\n0 1 2 3\n10 11 12 13\n20 21 22 23\n30 31 32 33\n"));
+    RFILE *file = memory.open_r();
+    ASSERT_TRUE(file);
+    ASSERT_EQ(rio_arm_squetch(file, 2, 2, RIO_SQUEEZE_NEAREST), 0);
+    uint8_t line[2] = {};
+    EXPECT_EQ(rio_getline(file, line), 0);
+    EXPECT_EQ(bytes(line, line + 2), (bytes { 0, 2 }));
+    EXPECT_EQ(rio_getline(file, line), 0);
+    EXPECT_EQ(bytes(line, line + 2), (bytes { 20, 22 }));
+    EXPECT_EQ(rio_seek(file, 2), 1);
+    EXPECT_EQ(rio_errno, uint32_t(RIO_PAST_END));
+    EXPECT_EQ(rio_seek(file, 1), 0);
+    EXPECT_EQ(rio_getline(file, line), 0);
+    EXPECT_EQ(bytes(line, line + 2), (bytes { 20, 22 }));
+    rio_close(file);
+}

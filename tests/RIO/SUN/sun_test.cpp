@@ -345,3 +345,8 @@ TEST(SunCopy, HeaderAndLinesGoToAFileOfAnotherFormat)
     rio_close(target);
     EXPECT_EQ(written(to, 17), (text_bytes("P5 3 2 255\n") + bytes { 1, 2, 3, 9, 9, 9 }));
 }
+
+TEST(SunRead, MemoryFaultsAreErrorsAndNothingElse)
+{
+    EXPECT_GE(read_with_memory_faults(head(4, 40, 8, 2, 1, 6) + bytes { 1, 2, 3, 4, 5, 6 } + bytes(160, 1)), 3);
+}

@@ -87,3 +87,8 @@ TEST(SymWrite, GlyphsAreAtMost255PixelsWideAndHigh)
         rio_close(file);
     }
 }
+
+TEST(SymRead, MemoryFaultsAreErrorsAndNothingElse)
+{
+    EXPECT_GE(read_with_memory_faults(font(two_records, two_glyphs)), 2);
+}

@@ -139,3 +139,8 @@ TEST(XbmWrite, OnlyBilevelPicturesFit)
     EXPECT_EQ(rio_errno, uint32_t(RIO_UNSUPPORTED));
     rio_close(file);
 }
+
+TEST(XbmRead, MemoryFaultsAreErrorsAndNothingElse)
+{
+    EXPECT_GE(read_with_memory_faults(text_bytes(plain)), 3);
+}
