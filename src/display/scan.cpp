@@ -13,25 +13,23 @@ scan_scratch scratch;
 // --- the buffers that all paints share, kept and grown -----------------------------------------------------------
 
 static void *scratch_block;
-static int64_t scratch_width;
 
 // Room for one clip width. 0 without memory.
 static int scratch_for(int64_t width)
 {
-    static constexpr int64_t LINE_BYTES = 4, BYTES = 3 + int64_t{sizeof(int32_t)} + LINE_BYTES;
-    if (width <= scratch_width)
+    static constexpr int64_t COLUMN = sizeof(int32_t), LINE_PIXEL = 4, BYTES = COLUMN + LINE_PIXEL + 3 * SCAN_STRIP;
+    if (width <= scratch.width)
         return 1;
-    void *const block = mem_alloc(size_t(width * BYTES));
+    uint8_t *const block = static_cast<uint8_t *>(mem_alloc(size_t(width * BYTES)));
     if (!block)
         return 0;
     mem_free(scratch_block);
     scratch_block = block;
-    scratch_width = width;
-    uint8_t *const bytes = static_cast<uint8_t *>(block);
-    scratch.columns = static_cast<int32_t *>(block);
-    scratch.line = bytes + width * int64_t{sizeof(int32_t)};
+    scratch.width = width;
+    scratch.columns = reinterpret_cast<int32_t *>(block);
+    scratch.line = block + width * COLUMN;
     for (int i = 0; i < 3; i++)
-        scratch.samples[i] = bytes + width * (int64_t{sizeof(int32_t)} + LINE_BYTES + i);
+        scratch.samples[i] = block + width * (COLUMN + LINE_PIXEL + i * SCAN_STRIP);
     return 1;
 }
 
@@ -65,7 +63,7 @@ void scan_reset()
     scratch_block = nullptr;
     row_offsets = nullptr;
     scratch = {};
-    scratch_width = rows_held = rows_filled = rows_stride = 0;
+    rows_held = rows_filled = rows_stride = 0;
     for (scan_state &state : states)
         state = {};
 }

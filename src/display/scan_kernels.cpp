@@ -8,11 +8,19 @@ static void columns_plain(uint8_t *out, const uint8_t *row, const int32_t *colum
         out[i] = row[columns[i]];
 }
 
-static void slant_plain(uint8_t *out, const slanted_walk &walk, int count)
+static void steps_plain(uint8_t *out, const uint8_t *row, int step, int count, int64_t)
 {
-    int64_t u = walk.u, v = walk.v;
-    for (int i = 0; i < count; i++, u += walk.a, v += walk.c)
-        out[i] = walk.pixels[walk.row_offsets[v >> 16] + (u >> 16)];
+    for (int i = 0; i < count; i++, row += step)
+        out[i] = *row;
+}
+
+static void slant_plain(uint8_t *out, int64_t out_stride, const slanted_walk &walk, const line_part *parts, int lines)
+{
+    for (int k = 0; k < lines; k++, out += out_stride) {
+        int64_t u = walk.u + parts[k].first * walk.a + k * walk.b, v = walk.v + parts[k].first * walk.c + k * walk.d;
+        for (int i = parts[k].first; i <= parts[k].last; i++, u += walk.a, v += walk.c)
+            out[i] = walk.pixels[walk.row_offsets[v >> 16] + (u >> 16)];
+    }
 }
 
 static void map_32_plain(uint32_t *out, const uint8_t *in, int count, const uint32_t *table)
@@ -27,7 +35,7 @@ static void map_rgb_plain(uint32_t *out, const uint8_t *red, const uint8_t *gree
         out[i] = tables[0][red[i]] | tables[1][green[i]] | tables[2][blue[i]];
 }
 
-const scan_kernel_set scan_kernels_plain { columns_plain, slant_plain, map_32_plain, map_rgb_plain };
+const scan_kernel_set scan_kernels_plain { columns_plain, steps_plain, slant_plain, map_32_plain, map_rgb_plain };
 
 // --- the best that the processor has -----------------------------------------------------------------------
 
@@ -42,9 +50,14 @@ void sample_columns(uint8_t *out, const uint8_t *row, const int32_t *columns, in
     kernels().columns(out, row, columns, count, size);
 }
 
-void sample_slant(uint8_t *out, const slanted_walk &walk, int count)
+void sample_steps(uint8_t *out, const uint8_t *row, int step, int count, int64_t size)
 {
-    kernels().slant(out, walk, count);
+    kernels().steps(out, row, step, count, size);
+}
+
+void sample_slant(uint8_t *out, int64_t out_stride, const slanted_walk &walk, const line_part *parts, int lines)
+{
+    kernels().slant(out, out_stride, walk, parts, lines);
 }
 
 void map_32(uint32_t *out, const uint8_t *in, int count, const uint32_t table[256])
@@ -71,11 +84,13 @@ void sample_bits_columns(uint8_t *out, const uint8_t *row, const int32_t *column
         out[i] = bit_of(row, columns[i]);
 }
 
-void sample_bits_slant(uint8_t *out, const slanted_walk &walk, int count)
+void sample_bits_slant(uint8_t *out, int64_t out_stride, const slanted_walk &walk, const line_part *parts, int lines)
 {
-    int64_t u = walk.u, v = walk.v;
-    for (int i = 0; i < count; i++, u += walk.a, v += walk.c)
-        out[i] = bit_of(walk.pixels + walk.row_offsets[v >> 16], u >> 16);
+    for (int k = 0; k < lines; k++, out += out_stride) {
+        int64_t u = walk.u + parts[k].first * walk.a + k * walk.b, v = walk.v + parts[k].first * walk.c + k * walk.d;
+        for (int i = parts[k].first; i <= parts[k].last; i++, u += walk.a, v += walk.c)
+            out[i] = bit_of(walk.pixels + walk.row_offsets[v >> 16], u >> 16);
+    }
 }
 
 void map_8(uint8_t *out, const uint8_t *in, int count, const uint8_t table[256])

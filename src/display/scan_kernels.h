@@ -11,20 +11,29 @@
 // out[i] = row[columns[i]]. The columns ascend; `size` is how many bytes of row may be read.
 void sample_columns(uint8_t *out, const uint8_t *row, const int32_t *columns, int count, int64_t size);
 
-// A walk through a block in any direction: pixel i lies at u + i * a, v + i * c, in 16.16. Every position lies in the block.
+// out[i] = row[i * step], reading no byte at or behind row[size].
+void sample_steps(uint8_t *out, const uint8_t *row, int step, int count, int64_t size);
+
+// A walk through a block in any direction, in 16.16: pixel i of line k lies at u + i * a + k * b, v + i * c + k * d.
 struct slanted_walk {
     const uint8_t *pixels;
     const int64_t *row_offsets;        // bytes from pixels to each row
     int64_t stride;                    // the same between two rows
     int64_t size;                      // bytes from pixels on that may be read
-    int64_t u, v, a, c;
+    int64_t u, v, a, b, c, d;
 };
 
-void sample_slant(uint8_t *out, const slanted_walk &walk, int count);
+// The pixels of a line that are wanted; all of them lie in the block. None: last is below first.
+struct line_part {
+    int first, last;
+};
 
-// The same for packed bits, of which pixel 0 is the top bit of each 16-bit word: out[i] is 255 for a one, 0 for a zero.
+// out[k * out_stride + i] is pixel i of line k, for the pixels of each of the lines' parts; other bytes of out are left alone.
+void sample_slant(uint8_t *out, int64_t out_stride, const slanted_walk &walk, const line_part *parts, int lines);
+
+// The same for packed bits, of which pixel 0 is the top bit of each 16-bit word: 255 for a one, 0 for a zero.
+void sample_bits_slant(uint8_t *out, int64_t out_stride, const slanted_walk &walk, const line_part *parts, int lines);
 void sample_bits_columns(uint8_t *out, const uint8_t *row, const int32_t *columns, int count);
-void sample_bits_slant(uint8_t *out, const slanted_walk &walk, int count);
 
 // --- turning them into display values ----------------------------------------------------------------------
 
@@ -42,7 +51,8 @@ void map_bits(uint16_t *out, const uint8_t *in, int count);
 
 struct scan_kernel_set {
     void (*columns)(uint8_t *, const uint8_t *, const int32_t *, int, int64_t);
-    void (*slant)(uint8_t *, const slanted_walk &, int);
+    void (*steps)(uint8_t *, const uint8_t *, int, int, int64_t);
+    void (*slant)(uint8_t *, int64_t, const slanted_walk &, const line_part *, int);
     void (*map_32)(uint32_t *, const uint8_t *, int, const uint32_t *);
     void (*map_rgb)(uint32_t *, const uint8_t *, const uint8_t *, const uint8_t *, int, const uint32_t (*)[256]);
 };

@@ -34,37 +34,91 @@ AVX2 static void columns_avx2(uint8_t *out, const uint8_t *row, const int32_t *c
     scan_kernels_plain.columns(out + i, row, columns + i, count - i, size);
 }
 
-AVX2 static inline __m256i slant_offsets(__m256i u, __m256i v, __m256i stride)
+AVX2 static inline __m256i load_bytes(const uint8_t *bytes)
 {
-    return _mm256_add_epi32(_mm256_mullo_epi32(_mm256_srai_epi32(v, 16), stride), _mm256_srai_epi32(u, 16));
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(bytes));
 }
 
-AVX2 static void slant_avx2(uint8_t *out, const slanted_walk &walk, int count)
+// Sixteen pixels lie in 16 * step bytes: whole loads, of which the first byte of each lane is kept.
+AVX2 static inline __m128i every_second(const uint8_t *row)
 {
-    const int64_t u_end = walk.u + (count - 1) * walk.a, v_end = walk.v + (count - 1) * walk.c;
-    const int64_t u_most = walk.u > u_end ? walk.u : u_end, v_most = walk.v > v_end ? walk.v : v_end;
-    const int64_t farthest = (v_most >> 16) * walk.stride + (u_most >> 16);
-    // Positions and offsets in 32 bits, and three bytes to spare behind the last.
-    if (u_most > INT32_MAX || v_most > INT32_MAX || farthest > INT32_MAX || farthest > walk.size - 4) {
-        scan_kernels_plain.slant(out, walk, count);
+    const __m256i lanes = _mm256_and_si256(load_bytes(row), _mm256_set1_epi16(255));
+    return _mm_packus_epi16(_mm256_castsi256_si128(lanes), _mm256_extracti128_si256(lanes, 1));
+}
+
+AVX2 static inline __m128i every_fourth(const uint8_t *row)
+{
+    return low_bytes(load_bytes(row), load_bytes(row + 32));
+}
+
+AVX2 static inline __m256i every_eighth(const uint8_t *row)
+{
+    const __m256i even = _mm256_setr_epi32(0, 2, 4, 6, 0, 2, 4, 6);
+    const __m256i first = _mm256_permutevar8x32_epi32(load_bytes(row), even), second = _mm256_permutevar8x32_epi32(load_bytes(row + 32), even);
+    return _mm256_blend_epi32(first, second, 0xF0);
+}
+
+AVX2 static void steps_avx2(uint8_t *out, const uint8_t *row, int step, int count, int64_t size)
+{
+    __m128i *const to = reinterpret_cast<__m128i *>(out);
+    const int groups = int((size / step < count ? size / step : count) / 16);
+    if (step == 2)
+        for (int i = 0; i < groups; i++)
+            _mm_storeu_si128(to + i, every_second(row + i * 32));
+    else if (step == 4)
+        for (int i = 0; i < groups; i++)
+            _mm_storeu_si128(to + i, every_fourth(row + i * 64));
+    else if (step == 8)
+        for (int i = 0; i < groups; i++)
+            _mm_storeu_si128(to + i, low_bytes(every_eighth(row + i * 128), every_eighth(row + i * 128 + 64)));
+    const int done = step == 2 || step == 4 || step == 8 ? groups * 16 : 0;
+    scan_kernels_plain.steps(out + done, row + int64_t{done} * step, step, count - done, size);
+}
+
+AVX2 static inline __m256i slant_offsets(__m256i u, __m256i v, __m256i stride)
+{
+    return _mm256_add_epi32(_mm256_mullo_epi32(_mm256_srli_epi32(v, 16), stride), _mm256_srli_epi32(u, 16));
+}
+
+// Positions of eight pixels from one on, unsigned: sources of up to 65535 pixels either way.
+AVX2 static inline __m256i eight_positions(int64_t position, int64_t step)
+{
+    const __m256i lane = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
+    return _mm256_add_epi32(_mm256_set1_epi32(int32_t(position)), _mm256_mullo_epi32(_mm256_set1_epi32(int32_t(step)), lane));
+}
+
+AVX2 static void slant_avx2(uint8_t *out, int64_t out_stride, const slanted_walk &walk, const line_part *parts, int lines)
+{
+    static constexpr int GROUP = 16;
+    // A gather reads four bytes for each one that it wants, so what ends in the last row is left to the plain form.
+    const int64_t rows = walk.stride > 0 ? walk.size / walk.stride : 0, v_end = (rows - 1) << 16;
+    if (walk.size > INT32_MAX || walk.stride > 65535 || rows > 65535) {
+        scan_kernels_plain.slant(out, out_stride, walk, parts, lines);
         return;
     }
-    const __m256i lane = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7), stride = _mm256_set1_epi32(int32_t(walk.stride));
-    const __m256i a = _mm256_set1_epi32(int32_t(walk.a)), c = _mm256_set1_epi32(int32_t(walk.c));
-    const __m256i a8 = _mm256_slli_epi32(a, 3), c8 = _mm256_slli_epi32(c, 3);
-    __m256i u = _mm256_add_epi32(_mm256_set1_epi32(int32_t(walk.u)), _mm256_mullo_epi32(a, lane));
-    __m256i v = _mm256_add_epi32(_mm256_set1_epi32(int32_t(walk.v)), _mm256_mullo_epi32(c, lane));
-    int i = 0;
-    for (; i + 16 <= count; i += 16) {
-        const __m256i first = gather_bytes(walk.pixels, slant_offsets(u, v, stride));
-        u = _mm256_add_epi32(u, a8), v = _mm256_add_epi32(v, c8);
-        const __m256i second = gather_bytes(walk.pixels, slant_offsets(u, v, stride));
-        u = _mm256_add_epi32(u, a8), v = _mm256_add_epi32(v, c8);
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + i), low_bytes(first, second));
+    const __m256i stride = _mm256_set1_epi32(int32_t(walk.stride));
+    const __m256i a8 = _mm256_set1_epi32(int32_t(walk.a * 8)), c8 = _mm256_set1_epi32(int32_t(walk.c * 8));
+    for (int k = 0; k < lines; k++, out += out_stride) {
+        const int64_t u_line = walk.u + k * walk.b, v_line = walk.v + k * walk.d;
+        const int first = parts[k].first, count = parts[k].last - first + 1;
+        int groups = count / GROUP;
+        if (v_line + first * walk.c >= v_end || v_line + parts[k].last * walk.c >= v_end)
+            groups = 0;
+        __m256i u = eight_positions(u_line + first * walk.a, walk.a), v = eight_positions(v_line + first * walk.c, walk.c);
+        for (int i = 0; i < groups; i++) {
+            const __m256i left = gather_bytes(walk.pixels, slant_offsets(u, v, stride));
+            u = _mm256_add_epi32(u, a8), v = _mm256_add_epi32(v, c8);
+            const __m256i right = gather_bytes(walk.pixels, slant_offsets(u, v, stride));
+            u = _mm256_add_epi32(u, a8), v = _mm256_add_epi32(v, c8);
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(out + first + i * GROUP), low_bytes(left, right));
+        }
+        if (groups * GROUP < count) {
+            slanted_walk line = walk;
+            line.u = u_line, line.v = v_line;
+            const line_part rest { first + groups * GROUP, parts[k].last };
+            scan_kernels_plain.slant(out, 0, line, &rest, 1);
+        }
     }
-    slanted_walk rest = walk;
-    rest.u += i * walk.a, rest.v += i * walk.c;
-    scan_kernels_plain.slant(out + i, rest, count - i);
 }
 
 AVX2 static inline __m256i look_up(const uint32_t *table, const uint8_t *in)
@@ -93,7 +147,7 @@ AVX2 static void map_rgb_avx2(uint32_t *out, const uint8_t *red, const uint8_t *
 
 const scan_kernel_set *scan_kernels_avx2()
 {
-    static const scan_kernel_set set { columns_avx2, slant_avx2, map_32_avx2, map_rgb_avx2 };
+    static const scan_kernel_set set { columns_avx2, steps_avx2, slant_avx2, map_32_avx2, map_rgb_avx2 };
     return __builtin_cpu_supports("avx2") ? &set : nullptr;
 }
 

@@ -8,8 +8,7 @@
 
 int paint_interrupted(int y)
 {
-    static constexpr int LINES_BETWEEN = 32;
-    if (!paint_interrupt || (y & (LINES_BETWEEN - 1)) != 0)
+    if (!paint_interrupt || (y & (SCAN_STRIP - 1)) != 0)
         return 0;
     uint32_t pending = 0;
     ws_pending(&pending);
@@ -63,30 +62,59 @@ static int planes_of(const view_source &source, const scan_value &value, source_
     return planes.row_offsets != nullptr;
 }
 
+static int64_t row_offset(const source_planes &planes, const source_plane &plane, int64_t row)
+{
+    return plane.stride == planes.plane[0].stride ? planes.row_offsets[row] : row * plane.stride;
+}
+
 // --- axis-aligned --------------------------------------------------------------------------------------------
 
-// The source bytes of one window line: the row itself where its pixels follow one another, else gathered in the sample buffers.
-static void row_samples(const source_planes &planes, int64_t row, const int32_t *columns, int count, bool straight, const uint8_t *in[3])
+// The columns of a line, and how they follow one another.
+struct line_columns {
+    const int32_t *columns;
+    int count;
+    int64_t step;                      // source pixels from each to the next in 16.16
+};
+
+static constexpr int64_t ONE = 65536;  // 1.0 in 16.16
+
+// The source bytes of one window line: the row itself where its pixels follow one another, else collected in the sample buffers.
+static void row_samples(const source_planes &planes, int64_t row, const line_columns &line, const uint8_t *in[3])
 {
     for (int i = 0; i < planes.count; i++) {
         const source_plane &plane = planes.plane[i];
         uint8_t *const samples = scratch.samples[i];
-        const int64_t offset = plane.stride == planes.plane[0].stride ? planes.row_offsets[row] : row * plane.stride;
+        const int64_t offset = row_offset(planes, plane, row), first = offset + line.columns[0];
         in[i] = samples;
         if (!plane.pixels)
-            std::memset(samples, plane.fill, size_t(count));
+            std::memset(samples, plane.fill, size_t(line.count));
         else if (planes.packed_bits)
-            sample_bits_columns(samples, plane.pixels + offset, columns, count);
-        else if (straight)
-            in[i] = plane.pixels + offset + columns[0];
+            sample_bits_columns(samples, plane.pixels + offset, line.columns, line.count);
+        else if (line.step == ONE)
+            in[i] = plane.pixels + first;
+        else if (line.step % ONE == 0)
+            sample_steps(samples, plane.pixels + first, int(line.step / ONE), line.count, plane.size - first);
         else
-            sample_columns(samples, plane.pixels + offset, columns, count, plane.size - offset);
+            sample_columns(samples, plane.pixels + offset, line.columns, line.count, plane.size - offset);
+    }
+}
+
+// Asks for the bytes of a row that will be read next. Zoomed out, rows are too far apart for the processor to guess.
+static void fetch_row(const source_planes &planes, int64_t row, const line_columns &line)
+{
+    static constexpr int CACHE_LINE = 64;
+    if (row >= planes.height || line.step <= ONE || planes.packed_bits)
+        return;
+    for (int i = 0; i < planes.count; i++) {
+        const source_plane &plane = planes.plane[i];
+        const uint8_t *const pixels = plane.pixels + row_offset(planes, plane, row);
+        for (int64_t x = line.columns[0]; plane.pixels && x <= line.columns[line.count - 1]; x += CACHE_LINE)
+            __builtin_prefetch(pixels + x);
     }
 }
 
 static void scan_lines(const scan_state &state, const view_source &source)
 {
-    static constexpr int64_t ONE = 65536;
     const scan_value &value = *state.value;
     source_planes planes;
     block_start start;
@@ -98,8 +126,7 @@ static void scan_lines(const scan_state &state, const view_source &source)
     const int x = start.x + skipped, count = std::min(all_columns - skipped, output.limit.x1 - x + 1);
     if (count <= 0)
         return;
-    const int32_t *const columns = scratch.columns + skipped;
-    const bool straight = state.steps.a == ONE;
+    const line_columns columns { scratch.columns + skipped, count, state.steps.a };
 
     scan_tables tables;
     value.prepare(state, &tables);
@@ -113,8 +140,10 @@ static void scan_lines(const scan_state &state, const view_source &source)
             continue;
         void *const line = output_line(output, x, y);
         const int64_t row = v >> 16;
-        if (row != last_row)
-            row_samples(planes, row, columns, count, straight, in);
+        if (row != last_row) {
+            fetch_row(planes, (v + state.steps.d) >> 16, columns);
+            row_samples(planes, row, columns, in);
+        }
         if (row != last_row || value.by_place)
             value.map(tables, in, x, y, count, line);
         else if (line != last_line)
@@ -128,40 +157,86 @@ static void scan_lines(const scan_state &state, const view_source &source)
 
 // --- general ---------------------------------------------------------------------------------------------------
 
-static constexpr int STRIP = 32;       // lines; between two looks at the events
-// Placed lines are made in pieces of this many columns, a strip at a time: what a piece reads of the source then lies in few
-// pages and cache lines, while whole lines would run through as many source rows as they have pixels.
-static constexpr int PIECE = 64;
+// A strip is what is painted between two looks at the events. Its source bytes are collected in pieces of this many columns: what a
+// piece reads then lies in few pages and cache lines, while whole lines run through as many source rows as they have pixels.
+static constexpr int PIECE = 32;
 
-struct line_span {
-    int first, last;                   // pixels from the clip's first one; empty: last below first
-    int64_t u, v;                      // of the clip's first pixel in this line
+// Lines and pixels are counted from the clip's first ones, where the walks begin.
+struct strip {
+    int y, lines;
+    line_part spans[SCAN_STRIP];       // pixels that show the source
 };
 
-static void slanted_samples(const source_planes &planes, int64_t u, int64_t v, const scan_steps &steps, int count, const uint8_t *in[3])
+static slanted_walk walk_of(const source_planes &planes, const source_plane &plane, const scan_steps &steps, int64_t u, int64_t v)
 {
-    for (int i = 0; i < planes.count; i++) {
-        const source_plane &plane = planes.plane[i];
-        uint8_t *const samples = scratch.samples[i];
-        const slanted_walk walk { plane.pixels, planes.row_offsets, plane.stride, plane.size, u, v, steps.a, steps.c };
-        in[i] = samples;
-        if (!plane.pixels)
-            std::memset(samples, plane.fill, size_t(count));
-        else if (planes.packed_bits)
-            sample_bits_slant(samples, walk, count);
-        else
-            sample_slant(samples, walk, count);
+    return { plane.pixels, planes.row_offsets, plane.stride, plane.size, u, v, steps.a, steps.b, steps.c, steps.d };
+}
+
+// All pixels of a line that show the source are found in one step, since their positions lie on a straight line.
+static line_part span_of_line(const scan_steps &steps, const source_planes &planes, int64_t u, int64_t v, line_part span)
+{
+    if (!span_inside(u, steps.a, planes.width << 16, &span.first, &span.last)
+        || !span_inside(v, steps.c, planes.height << 16, &span.first, &span.last))
+        span.last = span.first - 1;
+    return span;
+}
+
+// Asks for what a piece will read: the cache lines along its upper, lower and right edges. Unless much is skipped, there are no others.
+static void fetch_piece(const slanted_walk &walk, int left, int right, int lines)
+{
+    const auto fetch = [&](int x, int line) {
+        const int64_t u = walk.u + x * walk.a + line * walk.b, v = walk.v + x * walk.c + line * walk.d;
+        if (u >= 0 && v >= 0)
+            __builtin_prefetch(walk.pixels + (v >> 16) * walk.stride + (u >> 16));
+    };
+    for (int x = left; x <= right; x++) {
+        fetch(x, 0);
+        fetch(x, lines - 1);
+    }
+    for (int line = 1; line < lines - 1; line++)
+        fetch(right, line);
+}
+
+static uint8_t *strip_samples(int plane, int line)
+{
+    return scratch.samples[plane] + int64_t{line} * scratch.width;
+}
+
+static void collect_piece(const source_planes &planes, int plane, const slanted_walk &walk, const line_part *parts, int lines)
+{
+    uint8_t *const samples = strip_samples(plane, 0);
+    if (planes.packed_bits)
+        sample_bits_slant(samples, scratch.width, walk, parts, lines);
+    else
+        sample_slant(samples, scratch.width, walk, parts, lines);
+}
+
+static void collect_strip(const source_planes &planes, int plane, const slanted_walk &walk, const strip &s)
+{
+    int left = INT32_MAX, right = -1;
+    for (int i = 0; i < s.lines; i++)
+        if (s.spans[i].first <= s.spans[i].last) {
+            left = std::min(left, s.spans[i].first);
+            right = std::max(right, s.spans[i].last);
+        }
+    for (; left <= right; left += PIECE) {
+        line_part parts[SCAN_STRIP];
+        for (int i = 0; i < s.lines; i++)
+            parts[i] = { std::max(s.spans[i].first, left), std::min(s.spans[i].last, left + PIECE - 1) };
+        fetch_piece(walk, left + PIECE, left + 2 * PIECE - 1, s.lines);
+        collect_piece(planes, plane, walk, parts, s.lines);
     }
 }
 
-// The pixels of a line that show the source. All of them are found in one step, since the positions lie on a straight line.
-static line_span span_of_line(const scan_state &state, const window_rect &limit, int64_t u, int64_t v, const source_planes &planes)
+static void collect_samples(const source_planes &planes, const scan_steps &steps, int64_t u, int64_t v, const strip &s)
 {
-    line_span span { limit.x0 - state.clip.x0, limit.x1 - state.clip.x0, u, v };
-    if (!span_inside(u, state.steps.a, planes.width << 16, &span.first, &span.last)
-        || !span_inside(v, state.steps.c, planes.height << 16, &span.first, &span.last))
-        span.last = span.first - 1;
-    return span;
+    for (int i = 0; i < planes.count; i++) {
+        const source_plane &plane = planes.plane[i];
+        if (plane.pixels)
+            collect_strip(planes, i, walk_of(planes, plane, steps, u, v), s);
+        else
+            std::memset(strip_samples(i, 0), plane.fill, size_t(s.lines) * size_t(scratch.width));
+    }
 }
 
 static void scan_slanted(const scan_state &state, const view_source &source)
@@ -175,33 +250,29 @@ static void scan_slanted(const scan_state &state, const view_source &source)
     double x_source, y_source;
     scan_source_point(steps, state.clip.x0, state.clip.y0, &x_source, &y_source);
     const int64_t u0 = to_16_16(x_source - source.x), v0 = to_16_16(y_source - source.y);
-    const int first_column = output.limit.x0 - state.clip.x0, last_column = output.limit.x1 - state.clip.x0;
-    const int piece = output.placed ? PIECE : std::max(last_column - first_column + 1, 1);
 
     scan_tables tables;
     value.prepare(state, &tables);
-    const uint8_t *in[3] = {};
-    for (int y = output.limit.y0; y <= output.limit.y1; y = (y | (STRIP - 1)) + 1) {
-        if (paint_interrupted(y))
+    const line_part whole { output.limit.x0 - state.clip.x0, output.limit.x1 - state.clip.x0 };
+    strip s;
+    for (s.y = output.limit.y0; s.y <= output.limit.y1; s.y += s.lines) {
+        if (paint_interrupted(s.y))
             break;
-        const int lines = std::min(y | (STRIP - 1), output.limit.y1) - y + 1;
-        line_span spans[STRIP];
-        for (int i = 0; i < lines; i++) {
-            const int64_t below = int64_t{y} + i - state.clip.y0;
-            spans[i] = span_of_line(state, output.limit, u0 + below * steps.b, v0 + below * steps.d, planes);
+        const int64_t below = int64_t{s.y} - state.clip.y0, u = u0 + below * steps.b, v = v0 + below * steps.d;
+        s.lines = std::min(s.y | (SCAN_STRIP - 1), output.limit.y1) - s.y + 1;
+        for (int i = 0; i < s.lines; i++)
+            s.spans[i] = span_of_line(steps, planes, u + i * steps.b, v + i * steps.d, whole);
+        collect_samples(planes, steps, u, v, s);
+        for (int i = 0; i < s.lines; i++) {
+            const line_part &span = s.spans[i];
+            const int x = state.clip.x0 + span.first, count = span.last - span.first + 1;
+            if (count <= 0)
+                continue;
+            void *const line = output_line(output, x, s.y + i);
+            const uint8_t *const in[3] = { strip_samples(0, i) + span.first, strip_samples(1, i) + span.first, strip_samples(2, i) + span.first };
+            value.map(tables, in, x, s.y + i, count, line);
+            output_put(output, x, s.y + i, count, line);
         }
-        for (int left = first_column; left <= last_column; left += piece)
-            for (int i = 0; i < lines; i++) {
-                const line_span &span = spans[i];
-                const int first = std::max(span.first, left), last = std::min(span.last, left + piece - 1);
-                if (first > last)
-                    continue;
-                const int x = state.clip.x0 + first, count = last - first + 1;
-                void *const line = output_line(output, x, y + i);
-                slanted_samples(planes, span.u + first * steps.a, span.v + first * steps.c, steps, count, in);
-                value.map(tables, in, x, y + i, count, line);
-                output_put(output, x, y + i, count, line);
-            }
     }
     output_end(output);
 }

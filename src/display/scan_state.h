@@ -73,8 +73,11 @@ void output_end(const scan_output &output);
 
 // --- buffers (scan.cpp) ------------------------------------------------------------------------------------------
 
+constexpr int SCAN_STRIP = 32;         // window lines between two looks at the events
+
 struct scan_scratch {
-    uint8_t *samples[3];               // one clip width each
+    int64_t width;                     // the widest clip that there is room for
+    uint8_t *samples[3];               // SCAN_STRIP rows of that width each
     int32_t *columns;
     void    *line;                     // one line of the widest display values
 };

@@ -122,9 +122,10 @@ static double mixture_cost(const uint8_t *group, const int counts[4], const rgb 
 
 static uint16_t best_entry(const rgb &colour)
 {
+    const int groups = colour.r == colour.g && colour.g == colour.b ? 1 : VMAP_GROUPS;  // greys are mixed of greys alone
     double least = INFINITY;
     int entry = 0;
-    for (int g = 0; g < VMAP_GROUPS; g++) {
+    for (int g = 0; g < groups; g++) {
         double weights[4];
         int counts[4];
         mixing_weights(vmap_groups[g], colour, weights);

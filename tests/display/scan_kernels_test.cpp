@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <vector>
 
@@ -21,6 +22,14 @@ TEST(ScanKernels, ColumnsPickBytesOfARow)
     uint8_t out[4];
     sample_columns(out, row, columns, 4, 5);
     EXPECT_EQ(std::vector<uint8_t>(out, out + 4), (std::vector<uint8_t>{ 10, 10, 12, 14 }));
+}
+
+TEST(ScanKernels, StepsPickEveryNthByte)
+{
+    const uint8_t row[] = { 10, 11, 12, 13, 14, 15, 16 };
+    uint8_t out[3];
+    sample_steps(out, row, 3, 3, 7);
+    EXPECT_EQ(std::vector<uint8_t>(out, out + 3), (std::vector<uint8_t>{ 10, 13, 16 }));
 }
 
 TEST(ScanKernels, BitZeroIsTheTopBitOfTheFirstWord)
@@ -100,6 +109,19 @@ TEST_F(ScanKernelTwins, ColumnsUpToTheLastByte)
         }
 }
 
+TEST_F(ScanKernelTwins, StepsUpToTheLastByte)
+{
+    const std::vector<uint8_t> row = noise(400, 8);
+    for (int step = 2; step <= 9; step++)
+        for (int count = 1; (count - 1) * step < 400; count++) {
+            const int64_t size = (count - 1) * step + 1;
+            std::vector<uint8_t> plain(201, 7), fast(201, 7);
+            scan_kernels_plain.steps(plain.data(), row.data(), step, count, size);
+            scan_kernels_avx2()->steps(fast.data(), row.data(), step, count, size);
+            ASSERT_EQ(plain, fast) << "step " << step << ", count " << count;
+        }
+}
+
 TEST_F(ScanKernelTwins, SlantsInEveryDirection)
 {
     const int width = 150, height = 130;
@@ -109,15 +131,19 @@ TEST_F(ScanKernelTwins, SlantsInEveryDirection)
         rows.push_back(y * width);
     for (const int64_t a : { -65536LL, -40000LL, 0LL, 1LL, 56755LL, 65536LL })
         for (const int64_t c : { -65536LL, -32768LL, 0LL, 32768LL, 65535LL }) {
-            // From the corner that lies farthest back, so that 100 steps stay inside and some walks end at the last byte.
-            const int64_t u = a < 0 ? (int64_t{width} << 16) - 1 : (int64_t{width} << 16) - 1 - 99 * a;
-            const int64_t v = c < 0 ? (int64_t{height} << 16) - 1 : (int64_t{height} << 16) - 1 - 99 * c;
-            const slanted_walk walk { pixels.data(), rows.data(), width, width * height, u, v, a, c };
-            for (const int count : { 1, 15, 16, 17, 100 }) {
-                std::vector<uint8_t> plain(101, 7), fast(101, 7);
-                scan_kernels_plain.slant(plain.data(), walk, count);
-                scan_kernels_avx2()->slant(fast.data(), walk, count);
-                ASSERT_EQ(plain, fast) << "a " << a << ", c " << c << ", count " << count;
+            // From the corner that lies farthest back, so that all stays inside and some walks end at the last byte.
+            const int64_t b = -c / 4, d = a / 4;
+            const auto begin = [](int64_t size, int64_t along, int64_t across) {
+                const int64_t most = std::max<int64_t>(0, 99 * along) + std::max<int64_t>(0, 2 * across);
+                return (size << 16) - 1 - most;
+            };
+            const slanted_walk walk { pixels.data(), rows.data(), width, width * height, begin(width, a, b), begin(height, c, d), a, b, c, d };
+            for (const line_part part : { line_part { 0, 0 }, line_part { 3, 17 }, line_part { 5, 20 }, line_part { 0, 99 }, line_part { 9, 8 } }) {
+                const line_part parts[3] = { part, { 2, 40 }, part };
+                std::vector<uint8_t> plain(300, 7), fast(300, 7);
+                scan_kernels_plain.slant(plain.data(), 100, walk, parts, 3);
+                scan_kernels_avx2()->slant(fast.data(), 100, walk, parts, 3);
+                ASSERT_EQ(plain, fast) << "a " << a << ", c " << c << ", part " << part.first << " to " << part.last;
             }
         }
 }

@@ -1,0 +1,10 @@
+# Painting against memcpy, and against pixman and libyuv where they are installed.
+kestrel_bench(bench_paint SOURCES bench_paint.cpp LINKS kestrel_app)
+if(PIXMAN_FOUND)
+  target_link_libraries(bench_paint PRIVATE PkgConfig::PIXMAN)
+  target_compile_definitions(bench_paint PRIVATE HAVE_PIXMAN)
+endif()
+if(LIBYUV_INCLUDE AND LIBYUV_LIBRARY)
+  target_link_libraries(bench_paint PRIVATE ${LIBYUV_LIBRARY})
+  target_compile_definitions(bench_paint PRIVATE HAVE_LIBYUV)
+endif()
