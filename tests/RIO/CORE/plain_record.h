@@ -23,7 +23,8 @@ struct test_folder {
     {
         const std::string file = *this / name;
         FILE *out = std::fopen(file.c_str(), "wb");
-        std::fwrite(content.data(), 1, content.size(), out);
+        if (!content.empty())
+            std::fwrite(content.data(), 1, content.size(), out);
         std::fclose(out);
         return file;
     }
