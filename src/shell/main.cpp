@@ -1,4 +1,5 @@
 // main.cpp - kestrel: the workstation in a window of the desktop.
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -15,18 +16,26 @@ static constexpr char usage[] =
     "  -d FILE              read start values from FILE, not from kestrel.def\n"
     "  -e                   show colours by a colour table even on a true colour display\n"
     "  -p PATH              directory of the relative file names that follow\n"
-    "  --first-screen FILE  need no display: draw the first screen, write it to FILE as PNG and end\n"
+    "  --first-screen FILE  where there is no display, write the first screen to FILE as PNG and end\n"
     "  --help               show this text\n"
     "  --version            show the version\n"
     "\n"
     "Environment: KESTREL_FRAME (\"1280x1024\") is the size of the frame; TARN and KESTREL name data directories.\n";
 
 static const char *first_screen;
+static bool no_display;
 
 // Until there is a screen, and where nobody looks at it, reports go to the terminal.
 static int report_on_terminal(int, const char *text)
 {
-    if (!first_screen && ws_window_shown(0))
+    int error;
+    if (std::sscanf(text, "error %d on Enter_tools", &error) == 1 && error == ENODEV) {
+        no_display = true;
+        if (!first_screen)
+            std::fprintf(stderr, "kestrel: there is no display to open a window on\n");
+        return 1;
+    }
+    if (!no_display && ws_window_shown(0))
         return 0;
     const size_t length = std::strlen(text);
     std::fprintf(stderr, "kestrel: %s%s", text, length > 0 && text[length - 1] == '\n' ? "" : "\n");
@@ -39,6 +48,7 @@ static int write_first_screen()
         std::fprintf(stderr, "kestrel: %s cannot be written\n", first_screen);
         std::exit(EXIT_FAILURE);
     }
+    std::fprintf(stderr, "kestrel: no display; the first screen is in %s\n", first_screen);
     std::exit(EXIT_SUCCESS);
 }
 
@@ -81,9 +91,10 @@ int main(int argc, char **argv)
     if (take_long_options(&argc, argv))
         return 0;
     report_hook = report_on_terminal;
-    if (first_screen)
-        use_memory_screen();
-    else
-        ws_use_backend(&backend_sdl);
+    ws_use_backend(&backend_sdl);
+    const int status = kestrel_run(argc, argv);
+    if (!no_display || !first_screen)
+        return status;
+    use_memory_screen();
     return kestrel_run(argc, argv);
 }

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "RIO/rio.h"
 #include "services/hostpath.h"
@@ -93,12 +94,15 @@ void open_named(reader_choice reader, const char *name)
     display_mode &= ~uint32_t{NEW_SESSION};
 }
 
-static char dropped[HOST_PATH_MAX];
+static std::string dropped;            // "" none is waiting
 
+// Of several files the last one is opened, as on the command line.
 void file_dropped(const char *host_path)
 {
-    std::snprintf(dropped, sizeof dropped, "%s", host_path);
-    ws_post_user_event(USER_OPEN_DROPPED);
+    const bool waiting = !dropped.empty();
+    dropped = host_path;
+    if (!waiting)
+        ws_post_user_event(USER_OPEN_DROPPED);
 }
 
 // What may not be opened by the menu at the moment may not be dropped either.
@@ -115,16 +119,21 @@ static void refuse_dropped(const std::string &why)
 
 void open_dropped_file()
 {
-    char name[APP_PATH_MAX];
+    const std::string host = std::move(dropped);
+    dropped.clear();
+    if (host.empty())
+        return;
     if (!opening_is_allowed()) {
-        refuse_dropped(std::string(dropped) + " cannot be opened now");
+        refuse_dropped(host + " cannot be opened now");
         return;
     }
     if (ask_save_on_exit() == 0)
         return;
-    const reader_choice reader = named_path(dropped, name, sizeof name) ? named_reader(name, dropped) : READER_NONE;
+    char name[APP_PATH_MAX];
+    const reader_choice reader =
+        named_path(host.c_str(), name, sizeof name) ? named_reader(name, host.c_str()) : READER_NONE;
     if (reader == READER_NONE)
-        refuse_dropped(std::string("Unable to open file ") + dropped);
+        refuse_dropped("Unable to open file " + host);
     else
         open_named(reader, name);
 }
