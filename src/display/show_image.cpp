@@ -6,6 +6,7 @@
 #include "display/paint.h"
 #include "display/picture_windows.h"
 #include "display/vlt.h"
+#include "enhance/histogram.h"
 #include "services/ws.h"
 #include "shell/menu.h"
 #include "shell/session.h"
@@ -122,6 +123,8 @@ int show_image(int red, int green, int blue)
     paint_window(0, 0, win.width - 1, win.height - 1);
     ws_normal_cursor(w);
     menu_update_split();
+    if (display_mode & NEW_SESSION)
+        open_hist_in_new_session();
     return w;
 }
 

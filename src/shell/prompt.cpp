@@ -86,6 +86,22 @@ static void refresh_reserved(int w)
         paint_window(0, 0, windows[w].width, windows[w].height);
 }
 
+static void refresh_window(int w, const ws_rect &damage)
+{
+    window_read_geometry(w);
+    const bool picture = is_picture(w);
+    if (picture && refresh_done)
+        return;
+    ws_set_foreground(w, 0);
+    ws_fill_rect(w, damage.x0, damage.y0, damage.x1, damage.y1);
+    if (picture)
+        paint_window(damage.x0, damage.y0, damage.x1 + 1, damage.y1 + 1);
+    else if (w == source_hist_window)
+        redraw_source_hist();
+    else if (windows[w].flags & WIN_HISTOGRAM)
+        draw_hist(damage.x0, damage.y0, damage.x1, damage.y1);
+}
+
 static void take_refresh()
 {
     int w, screen;
@@ -94,20 +110,10 @@ static void take_refresh()
     busy_all();
     if (ws_read_refresh(&w, &screen, &old, &damage, &flags) == 0) {
         current_window = w;
-        if (windows[w].flags & RESERVED_WIN) {
+        if (windows[w].flags & RESERVED_WIN)
             refresh_reserved(w);
-        } else {
-            window_read_geometry(w);
-            const bool done = is_picture(w) && refresh_done;
-            if (!done) {
-                ws_set_foreground(w, 0);
-                ws_fill_rect(w, damage.x0, damage.y0, damage.x1, damage.y1);
-            }
-            if (is_picture(w) && !done)
-                paint_window(damage.x0, damage.y0, damage.x1 + 1, damage.y1 + 1);
-            else if (windows[w].flags & WIN_HISTOGRAM)
-                draw_hist(damage.x0, damage.y0, damage.x1, damage.y1);
-        }
+        else if (windows[w].flags != 0)
+            refresh_window(w, damage);
     }
     normal_all();
 }
