@@ -17,7 +17,7 @@ static void *scratch_block;
 // Room for one clip width. 0 without memory.
 static int scratch_for(int64_t width)
 {
-    static constexpr int64_t COLUMN = sizeof(int32_t), LINE_PIXEL = 4, BYTES = COLUMN + LINE_PIXEL + 3 * SCAN_STRIP;
+    static constexpr int64_t COLUMN = sizeof(int32_t), LINE_PIXEL = 4, BYTES = COLUMN + 2 * LINE_PIXEL + 3 * SCAN_STRIP;
     if (width <= scratch.width)
         return 1;
     uint8_t *const block = static_cast<uint8_t *>(mem_alloc(size_t(width * BYTES)));
@@ -28,8 +28,9 @@ static int scratch_for(int64_t width)
     scratch.width = width;
     scratch.columns = reinterpret_cast<int32_t *>(block);
     scratch.line = block + width * COLUMN;
+    scratch.values = block + width * (COLUMN + LINE_PIXEL);
     for (int i = 0; i < 3; i++)
-        scratch.samples[i] = block + width * (COLUMN + LINE_PIXEL + i * SCAN_STRIP);
+        scratch.samples[i] = block + width * (COLUMN + 2 * LINE_PIXEL + i * SCAN_STRIP);
     return 1;
 }
 

@@ -23,25 +23,33 @@ static void slant_plain(uint8_t *out, int64_t out_stride, const slanted_walk &wa
     }
 }
 
-static void map_32_plain(uint32_t *out, const uint8_t *in, int count, const uint32_t *table)
+static void map_grey_plain(uint32_t *out, const uint8_t *in, int count, const grey_tables &tables)
 {
     for (int i = 0; i < count; i++)
-        out[i] = table[in[i]];
+        out[i] = tables.packed[in[i]];
 }
 
-static void map_rgb_plain(uint32_t *out, const uint8_t *red, const uint8_t *green, const uint8_t *blue, int count, const uint32_t (*tables)[256])
+static void map_rgb_plain(uint32_t *out, const uint8_t *red, const uint8_t *green, const uint8_t *blue, int count, const colour_tables &tables)
 {
     for (int i = 0; i < count; i++)
-        out[i] = tables[0][red[i]] | tables[1][green[i]] | tables[2][blue[i]];
+        out[i] = tables.packed[0][red[i]] | tables.packed[1][green[i]] | tables.packed[2][blue[i]];
 }
 
-const scan_kernel_set scan_kernels_plain { columns_plain, steps_plain, slant_plain, map_32_plain, map_rgb_plain };
+static void repeat_32_plain(uint32_t *out, const uint32_t *values, const int32_t *columns, int count)
+{
+    for (int i = 0; i < count; i++)
+        out[i] = values[columns[i] - columns[0]];
+}
+
+const scan_kernel_set scan_kernels_plain { columns_plain, steps_plain, slant_plain, map_grey_plain, map_rgb_plain, repeat_32_plain };
 
 // --- the best that the processor has -----------------------------------------------------------------------
 
 static const scan_kernel_set &kernels()
 {
-    static const scan_kernel_set *const best = scan_kernels_avx2() ? scan_kernels_avx2() : &scan_kernels_plain;
+    static const scan_kernel_set *const best = scan_kernels_avx512() ? scan_kernels_avx512()
+                                               : scan_kernels_avx2() ? scan_kernels_avx2()
+                                                                     : &scan_kernels_plain;
     return *best;
 }
 
@@ -60,14 +68,19 @@ void sample_slant(uint8_t *out, int64_t out_stride, const slanted_walk &walk, co
     kernels().slant(out, out_stride, walk, parts, lines);
 }
 
-void map_32(uint32_t *out, const uint8_t *in, int count, const uint32_t table[256])
+void map_grey(uint32_t *out, const uint8_t *in, int count, const grey_tables &tables)
 {
-    kernels().map_32(out, in, count, table);
+    kernels().map_grey(out, in, count, tables);
 }
 
-void map_rgb(uint32_t *out, const uint8_t *red, const uint8_t *green, const uint8_t *blue, int count, const uint32_t tables[3][256])
+void map_rgb(uint32_t *out, const uint8_t *red, const uint8_t *green, const uint8_t *blue, int count, const colour_tables &tables)
 {
     kernels().map_rgb(out, red, green, blue, count, tables);
+}
+
+void repeat_32(uint32_t *out, const uint32_t *values, const int32_t *columns, int count)
+{
+    kernels().repeat_32(out, values, columns, count);
 }
 
 // --- with one form only ------------------------------------------------------------------------------------
@@ -103,6 +116,18 @@ void map_16(uint16_t *out, const uint8_t *in, int count, const uint16_t table[25
 {
     for (int i = 0; i < count; i++)
         out[i] = table[in[i]];
+}
+
+void repeat_8(uint8_t *out, const uint8_t *values, const int32_t *columns, int count)
+{
+    for (int i = 0; i < count; i++)
+        out[i] = values[columns[i] - columns[0]];
+}
+
+void repeat_16(uint16_t *out, const uint16_t *values, const int32_t *columns, int count)
+{
+    for (int i = 0; i < count; i++)
+        out[i] = values[columns[i] - columns[0]];
 }
 
 void map_dither(uint8_t *out, const uint8_t *in, int count, int x, const uint8_t tables[4][256])

@@ -1,7 +1,7 @@
 // scan_kernels.h - the inner loops of the scan routines, on plain pointers. A line of the window is made in two steps: the source
 // bytes under its pixels are collected (sample_), and turned into display values (map_). None of them can fail.
 //
-// Some kernels have a twin for processors with AVX2, chosen when the program starts; both give the same bytes.
+// Some kernels have twins for processors with AVX2 and with AVX-512, chosen when the program starts; all give the same bytes.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -39,11 +39,26 @@ void sample_bits_columns(uint8_t *out, const uint8_t *row, const int32_t *column
 
 void map_8(uint8_t *out, const uint8_t *in, int count, const uint8_t table[256]);
 void map_16(uint16_t *out, const uint8_t *in, int count, const uint16_t table[256]);
-void map_32(uint32_t *out, const uint8_t *in, int count, const uint32_t table[256]);
-// out[i] = tables[0][red[i]] | tables[1][green[i]] | tables[2][blue[i]]
-void map_rgb(uint32_t *out, const uint8_t *red, const uint8_t *green, const uint8_t *blue, int count, const uint32_t tables[3][256]);
+// Levels of red, green and blue, and the same at their places in a packed colour: packed[p][i] = level[p][i] << 16, 8, 0.
+struct colour_tables {
+    uint8_t  level[3][256];
+    uint32_t packed[3][256];
+};
+
+// A grey: packed[i] has level[i] three times.
+struct grey_tables {
+    uint8_t  level[256];
+    uint32_t packed[256];
+};
+
+void map_grey(uint32_t *out, const uint8_t *in, int count, const grey_tables &tables);
+void map_rgb(uint32_t *out, const uint8_t *red, const uint8_t *green, const uint8_t *blue, int count, const colour_tables &tables);
 // Dithered: pixel i takes tables[(x + i) & 3]. x is where the line begins, in window pixels.
 void map_dither(uint8_t *out, const uint8_t *in, int count, int x, const uint8_t tables[4][256]);
+// Repeats display values where the view is zoomed in: out[i] = values[columns[i] - columns[0]].
+void repeat_8(uint8_t *out, const uint8_t *values, const int32_t *columns, int count);
+void repeat_16(uint16_t *out, const uint16_t *values, const int32_t *columns, int count);
+void repeat_32(uint32_t *out, const uint32_t *values, const int32_t *columns, int count);
 // Words of 16 pixels, the first pixel in the top bit; what is left of the last word is 0.
 void map_bits(uint16_t *out, const uint8_t *in, int count);
 
@@ -53,8 +68,10 @@ struct scan_kernel_set {
     void (*columns)(uint8_t *, const uint8_t *, const int32_t *, int, int64_t);
     void (*steps)(uint8_t *, const uint8_t *, int, int, int64_t);
     void (*slant)(uint8_t *, int64_t, const slanted_walk &, const line_part *, int);
-    void (*map_32)(uint32_t *, const uint8_t *, int, const uint32_t *);
-    void (*map_rgb)(uint32_t *, const uint8_t *, const uint8_t *, const uint8_t *, int, const uint32_t (*)[256]);
+    void (*map_grey)(uint32_t *, const uint8_t *, int, const grey_tables &);
+    void (*map_rgb)(uint32_t *, const uint8_t *, const uint8_t *, const uint8_t *, int, const colour_tables &);
+    void (*repeat_32)(uint32_t *, const uint32_t *, const int32_t *, int);
 };
 extern const scan_kernel_set scan_kernels_plain;
 const scan_kernel_set *scan_kernels_avx2();    // null when the processor has no AVX2
+const scan_kernel_set *scan_kernels_avx512();  // null when it has no AVX-512 with byte permutations

@@ -127,27 +127,41 @@ AVX2 static inline __m256i look_up(const uint32_t *table, const uint8_t *in)
     return _mm256_i32gather_epi32(reinterpret_cast<const int *>(table), index, 4);
 }
 
-AVX2 static void map_32_avx2(uint32_t *out, const uint8_t *in, int count, const uint32_t *table)
+AVX2 static void map_grey_avx2(uint32_t *out, const uint8_t *in, int count, const grey_tables &tables)
 {
     int i = 0;
     for (; i + 8 <= count; i += 8)
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + i), look_up(table, in + i));
-    scan_kernels_plain.map_32(out + i, in + i, count - i, table);
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + i), look_up(tables.packed, in + i));
+    scan_kernels_plain.map_grey(out + i, in + i, count - i, tables);
 }
 
-AVX2 static void map_rgb_avx2(uint32_t *out, const uint8_t *red, const uint8_t *green, const uint8_t *blue, int count, const uint32_t (*tables)[256])
+AVX2 static void map_rgb_avx2(uint32_t *out, const uint8_t *red, const uint8_t *green, const uint8_t *blue, int count, const colour_tables &tables)
 {
     int i = 0;
     for (; i + 8 <= count; i += 8) {
-        const __m256i red_green = _mm256_or_si256(look_up(tables[0], red + i), look_up(tables[1], green + i));
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + i), _mm256_or_si256(red_green, look_up(tables[2], blue + i)));
+        const __m256i red_green = _mm256_or_si256(look_up(tables.packed[0], red + i), look_up(tables.packed[1], green + i));
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + i), _mm256_or_si256(red_green, look_up(tables.packed[2], blue + i)));
     }
     scan_kernels_plain.map_rgb(out + i, red + i, green + i, blue + i, count - i, tables);
 }
 
+AVX2 static void repeat_32_avx2(uint32_t *out, const uint32_t *values, const int32_t *columns, int count)
+{
+    if (count <= 0)
+        return;
+    const __m256i first = _mm256_set1_epi32(columns[0]);
+    int i = 0;
+    for (; i + 8 <= count; i += 8) {
+        const __m256i index = _mm256_sub_epi32(load_columns(columns + i), first);
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + i), _mm256_i32gather_epi32(reinterpret_cast<const int *>(values), index, 4));
+    }
+    for (; i < count; i++)
+        out[i] = values[columns[i] - columns[0]];
+}
+
 const scan_kernel_set *scan_kernels_avx2()
 {
-    static const scan_kernel_set set { columns_avx2, steps_avx2, slant_avx2, map_32_avx2, map_rgb_avx2 };
+    static const scan_kernel_set set { columns_avx2, steps_avx2, slant_avx2, map_grey_avx2, map_rgb_avx2, repeat_32_avx2 };
     return __builtin_cpu_supports("avx2") ? &set : nullptr;
 }
 

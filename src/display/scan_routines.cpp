@@ -2,7 +2,6 @@
 #include <cstring>
 
 #include "display/paint.h"
-#include "display/scan_kernels.h"
 #include "display/scan_state.h"
 #include "services/ws.h"
 
@@ -99,6 +98,28 @@ static void row_samples(const source_planes &planes, int64_t row, const line_col
     }
 }
 
+static void repeat_values(void *line, const void *values, int bytes, const line_columns &columns)
+{
+    if (bytes == 1)
+        repeat_8(static_cast<uint8_t *>(line), static_cast<const uint8_t *>(values), columns.columns, columns.count);
+    else if (bytes == 2)
+        repeat_16(static_cast<uint16_t *>(line), static_cast<const uint16_t *>(values), columns.columns, columns.count);
+    else
+        repeat_32(static_cast<uint32_t *>(line), static_cast<const uint32_t *>(values), columns.columns, columns.count);
+}
+
+// Zoomed in, source pixels are mapped once each and their values repeated: the same line, with fewer look-ups.
+static void repeated_line(const source_planes &planes, const scan_value &value, const scan_tables &tables, int64_t row, const line_columns &columns,
+                          int x, int y, void *line)
+{
+    const int32_t pixels = columns.columns[columns.count - 1] - columns.columns[0] + 1;
+    const line_columns once { columns.columns, pixels, ONE };
+    const uint8_t *in[3] = {};
+    row_samples(planes, row, once, in);
+    value.map(tables, in, x, y, pixels, scratch.values);
+    repeat_values(line, scratch.values, value.bytes, columns);
+}
+
 // Asks for the bytes of a row that will be read next. Zoomed out, rows are too far apart for the processor to guess.
 static void fetch_row(const source_planes &planes, int64_t row, const line_columns &line)
 {
@@ -127,6 +148,7 @@ static void scan_lines(const scan_state &state, const view_source &source)
     if (count <= 0)
         return;
     const line_columns columns { scratch.columns + skipped, count, state.steps.a };
+    const bool repeats = columns.step < ONE && !value.by_place && !value.packed_bits;
 
     scan_tables tables;
     value.prepare(state, &tables);
@@ -140,11 +162,13 @@ static void scan_lines(const scan_state &state, const view_source &source)
             continue;
         void *const line = output_line(output, x, y);
         const int64_t row = v >> 16;
-        if (row != last_row) {
+        if (row != last_row && !repeats) {
             fetch_row(planes, (v + state.steps.d) >> 16, columns);
             row_samples(planes, row, columns, in);
         }
-        if (row != last_row || value.by_place)
+        if (row != last_row && repeats)
+            repeated_line(planes, value, tables, row, columns, x, y, line);
+        else if (row != last_row || value.by_place)
             value.map(tables, in, x, y, count, line);
         else if (line != last_line)
             std::memcpy(line, last_line, size_t(count) * size_t(value.bytes));

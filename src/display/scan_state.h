@@ -9,6 +9,7 @@
 #pragma once
 #include "display/scan.h"
 #include "display/scan_geometry.h"
+#include "display/scan_kernels.h"
 
 struct scan_state;
 struct scan_value;
@@ -35,7 +36,8 @@ struct scan_state {
 struct scan_tables {
     uint8_t  slots[256];
     uint16_t wide_slots[256];
-    uint32_t packed[3][256];           // 0x00RRGGBB parts
+    grey_tables grey;                  // packed colours
+    colour_tables colour;
     uint8_t  dithered[16][256];        // slot by dither cell
     uint16_t keys[3][16][256];         // parts of a key into colour_map or the 4-plane map, by dither cell
 };
@@ -79,7 +81,7 @@ struct scan_scratch {
     int64_t width;                     // the widest clip that there is room for
     uint8_t *samples[3];               // SCAN_STRIP rows of that width each
     int32_t *columns;
-    void    *line;                     // one line of the widest display values
+    void    *line, *values;            // one line of the widest display values each
 };
 extern scan_scratch scratch;
 

@@ -1,5 +1,4 @@
 #include "display/dither.h"
-#include "display/scan_kernels.h"
 #include "display/scan_state.h"
 #include "display/vlt.h"
 #include "display/vmap.h"
@@ -44,13 +43,15 @@ static void map_to_16(const scan_tables &tables, const uint8_t *const in[3], int
 
 static void prepare_grey24(const scan_state &state, scan_tables *tables)
 {
-    for (int i = 0; i < 256; i++)
-        tables->packed[0][i] = uint32_t(low_byte(state.tables[0], i)) * 0x010101u;
+    for (int i = 0; i < 256; i++) {
+        tables->grey.level[i] = uint8_t(low_byte(state.tables[0], i));
+        tables->grey.packed[i] = tables->grey.level[i] * 0x010101u;
+    }
 }
 
 static void map_to_grey24(const scan_tables &tables, const uint8_t *const in[3], int, int, int count, void *out)
 {
-    map_32(static_cast<uint32_t *>(out), in[0], count, tables.packed[0]);
+    map_grey(static_cast<uint32_t *>(out), in[0], count, tables.grey);
 }
 
 static void prepare_dither(const scan_state &state, scan_tables *tables)
@@ -70,13 +71,15 @@ static void map_to_dither(const scan_tables &tables, const uint8_t *const in[3],
 static void prepare_rgb24(const scan_state &state, scan_tables *tables)
 {
     for (int plane = 0; plane < 3; plane++)
-        for (int i = 0; i < 256; i++)
-            tables->packed[plane][i] = uint32_t(low_byte(state.tables[plane], i)) << (16 - 8 * plane);
+        for (int i = 0; i < 256; i++) {
+            tables->colour.level[plane][i] = uint8_t(low_byte(state.tables[plane], i));
+            tables->colour.packed[plane][i] = uint32_t{tables->colour.level[plane][i]} << (16 - 8 * plane);
+        }
 }
 
 static void map_to_rgb24(const scan_tables &tables, const uint8_t *const in[3], int, int, int count, void *out)
 {
-    map_rgb(static_cast<uint32_t *>(out), in[0], in[1], in[2], count, tables.packed);
+    map_rgb(static_cast<uint32_t *>(out), in[0], in[1], in[2], count, tables.colour);
 }
 
 static void prepare_rgb_slots(const scan_state &state, scan_tables *tables)

@@ -32,6 +32,19 @@ TEST(ScanKernels, StepsPickEveryNthByte)
     EXPECT_EQ(std::vector<uint8_t>(out, out + 3), (std::vector<uint8_t>{ 10, 13, 16 }));
 }
 
+TEST(ScanKernels, ValuesAreRepeatedByColumn)
+{
+    const uint8_t bytes[] = { 5, 6, 7 };
+    const uint16_t words[] = { 500, 600, 700 };
+    const int32_t columns[] = { 40, 40, 41, 42 };
+    uint8_t out_8[4];
+    uint16_t out_16[4];
+    repeat_8(out_8, bytes, columns, 4);
+    repeat_16(out_16, words, columns, 4);
+    EXPECT_EQ(std::vector<uint8_t>(out_8, out_8 + 4), (std::vector<uint8_t>{ 5, 5, 6, 7 }));
+    EXPECT_EQ(std::vector<uint16_t>(out_16, out_16 + 4), (std::vector<uint16_t>{ 500, 500, 600, 700 }));
+}
+
 TEST(ScanKernels, BitZeroIsTheTopBitOfTheFirstWord)
 {
     // Word 0x8001 has pixels 0 and 15, word 0x4000 pixel 17; low bytes come first.
@@ -63,34 +76,63 @@ TEST(ScanKernels, DitherTablesFollowTheWindowColumn)
     EXPECT_EQ(std::vector<uint8_t>(out, out + 5), (std::vector<uint8_t>{ 102, 103, 100, 101, 102 }));
 }
 
-// --- both forms give the same bytes --------------------------------------------------------------------------
+// --- all forms give the same bytes -----------------------------------------------------------------------------
 
 class ScanKernelTwins : public testing::Test {
 protected:
     void SetUp() override
     {
-        if (!scan_kernels_avx2())
-            GTEST_SKIP() << "this processor has no AVX2";
+        for (const scan_kernel_set *set : { scan_kernels_avx2(), scan_kernels_avx512() })
+            if (set)
+                twins.push_back(set);
+        if (twins.empty())
+            GTEST_SKIP() << "this processor has neither AVX2 nor AVX-512";
     }
+
+    std::vector<const scan_kernel_set *> twins;
 };
 
 TEST_F(ScanKernelTwins, MapsOfEveryLength)
 {
-    const std::vector<uint8_t> red = noise(70, 1), green = noise(70, 2), blue = noise(70, 3);
-    std::mt19937 random(4);
-    uint32_t tables[3][256];
-    for (auto &table : tables)
-        for (uint32_t &entry : table)
-            entry = uint32_t(random());
-    for (int count = 0; count <= 70; count++) {
-        std::vector<uint32_t> plain(71, 5), fast(71, 5);
-        scan_kernels_plain.map_32(plain.data(), red.data(), count, tables[0]);
-        scan_kernels_avx2()->map_32(fast.data(), red.data(), count, tables[0]);
-        EXPECT_EQ(plain, fast) << count;
-        scan_kernels_plain.map_rgb(plain.data(), red.data(), green.data(), blue.data(), count, tables);
-        scan_kernels_avx2()->map_rgb(fast.data(), red.data(), green.data(), blue.data(), count, tables);
-        EXPECT_EQ(plain, fast) << count;
+    const std::vector<uint8_t> red = noise(280, 1), green = noise(280, 2), blue = noise(280, 3);
+    const std::vector<uint8_t> levels = noise(1024, 4);
+    grey_tables grey;
+    colour_tables colour;
+    for (unsigned i = 0; i < 256; i++) {
+        grey.level[i] = levels[i];
+        grey.packed[i] = levels[i] * 0x010101u;
+        for (unsigned p = 0; p < 3; p++) {
+            colour.level[p][i] = levels[256 + 256 * p + i];
+            colour.packed[p][i] = uint32_t{colour.level[p][i]} << (16 - 8 * p);
+        }
     }
+    for (const scan_kernel_set *twin : twins)
+        for (int count = 0; count <= 280; count++) {
+            std::vector<uint32_t> plain(281, 5), fast(281, 5);
+            scan_kernels_plain.map_grey(plain.data(), red.data(), count, grey);
+            twin->map_grey(fast.data(), red.data(), count, grey);
+            ASSERT_EQ(plain, fast) << count;
+            scan_kernels_plain.map_rgb(plain.data(), red.data(), green.data(), blue.data(), count, colour);
+            twin->map_rgb(fast.data(), red.data(), green.data(), blue.data(), count, colour);
+            ASSERT_EQ(plain, fast) << count;
+        }
+}
+
+TEST_F(ScanKernelTwins, RepeatedValues)
+{
+    std::vector<uint32_t> values(100);
+    for (unsigned i = 0; i < 100; i++)
+        values[i] = i * 2654435761u;
+    for (const scan_kernel_set *twin : twins)
+        for (int count = 1; count <= 100; count++) {
+            std::vector<int32_t> columns;
+            for (int i = 0; i < count; i++)
+                columns.push_back(1000 + i * 2 / 3);
+            std::vector<uint32_t> plain(101, 7), fast(101, 7);
+            scan_kernels_plain.repeat_32(plain.data(), values.data(), columns.data(), count);
+            twin->repeat_32(fast.data(), values.data(), columns.data(), count);
+            ASSERT_EQ(plain, fast) << count;
+        }
 }
 
 TEST_F(ScanKernelTwins, ColumnsUpToTheLastByte)
@@ -104,7 +146,7 @@ TEST_F(ScanKernelTwins, ColumnsUpToTheLastByte)
             columns.back() = 199;
             std::vector<uint8_t> plain(201, 7), fast(201, 7);
             scan_kernels_plain.columns(plain.data(), row.data(), columns.data(), count, 200);
-            scan_kernels_avx2()->columns(fast.data(), row.data(), columns.data(), count, 200);
+            twins[0]->columns(fast.data(), row.data(), columns.data(), count, 200);
             ASSERT_EQ(plain, fast) << "step " << step << ", count " << count;
         }
 }
@@ -117,7 +159,7 @@ TEST_F(ScanKernelTwins, StepsUpToTheLastByte)
             const int64_t size = (count - 1) * step + 1;
             std::vector<uint8_t> plain(201, 7), fast(201, 7);
             scan_kernels_plain.steps(plain.data(), row.data(), step, count, size);
-            scan_kernels_avx2()->steps(fast.data(), row.data(), step, count, size);
+            twins[0]->steps(fast.data(), row.data(), step, count, size);
             ASSERT_EQ(plain, fast) << "step " << step << ", count " << count;
         }
 }
@@ -142,7 +184,7 @@ TEST_F(ScanKernelTwins, SlantsInEveryDirection)
                 const line_part parts[3] = { part, { 2, 40 }, part };
                 std::vector<uint8_t> plain(300, 7), fast(300, 7);
                 scan_kernels_plain.slant(plain.data(), 100, walk, parts, 3);
-                scan_kernels_avx2()->slant(fast.data(), 100, walk, parts, 3);
+                twins[0]->slant(fast.data(), 100, walk, parts, 3);
                 ASSERT_EQ(plain, fast) << "a " << a << ", c " << c << ", part " << part.first << " to " << part.last;
             }
         }
