@@ -1,0 +1,1 @@
+kestrel_bench(bench_read_lines SOURCES bench_read_lines.cpp LINKS rio)
