@@ -25,7 +25,7 @@ scan_output output_begin(const scan_state &state, const scan_value &value)
     return output;
 }
 
-void *output_line(const scan_output &output, int x, int y)
+uint8_t *output_line(const scan_output &output, int x, int y)
 {
     if (!output.placed)
         return scratch.line;

@@ -134,6 +134,21 @@ static void fetch_row(const source_planes &planes, int64_t row, const line_colum
     }
 }
 
+// In pieces, so that the next row arrives while this one is worked on.
+static void mapped_line(const source_planes &planes, const scan_value &value, const scan_tables &tables, int64_t row, int64_t next_row,
+                        const line_columns &columns, int x, int y, uint8_t *line)
+{
+    static constexpr int PIECE_OF_LINE = 128;
+    const int piece = columns.step > ONE && !planes.packed_bits ? PIECE_OF_LINE : columns.count;
+    for (int i = 0; i < columns.count; i += piece) {
+        const line_columns part { columns.columns + i, std::min(piece, columns.count - i), columns.step };
+        const uint8_t *in[3] = {};
+        fetch_row(planes, next_row, part);
+        row_samples(planes, row, part, in);
+        value.map(tables, in, x + i, y, part.count, line + int64_t{i} * value.bytes);
+    }
+}
+
 static void scan_lines(const scan_state &state, const view_source &source)
 {
     const scan_value &value = *state.value;
@@ -152,26 +167,23 @@ static void scan_lines(const scan_state &state, const view_source &source)
 
     scan_tables tables;
     value.prepare(state, &tables);
-    const uint8_t *in[3] = {};
-    const void *last_line = nullptr;
+    const uint8_t *last_line = nullptr;
     int64_t v = start.v, last_row = -1;
     for (int y = start.y; y <= output.limit.y1 && v < planes.height * ONE; y++, v += state.steps.d) {
         if (paint_interrupted(y))
             break;
         if (y < output.limit.y0)
             continue;
-        void *const line = output_line(output, x, y);
+        uint8_t *const line = output_line(output, x, y);
         const int64_t row = v >> 16;
-        if (row != last_row && !repeats) {
-            fetch_row(planes, (v + state.steps.d) >> 16, columns);
-            row_samples(planes, row, columns, in);
-        }
-        if (row != last_row && repeats)
+        if (row == last_row && !value.by_place) {
+            if (line != last_line)
+                std::memcpy(line, last_line, size_t(count) * size_t(value.bytes));
+        } else if (repeats) {
             repeated_line(planes, value, tables, row, columns, x, y, line);
-        else if (row != last_row || value.by_place)
-            value.map(tables, in, x, y, count, line);
-        else if (line != last_line)
-            std::memcpy(line, last_line, size_t(count) * size_t(value.bytes));
+        } else {
+            mapped_line(planes, value, tables, row, (v + state.steps.d) >> 16, columns, x, y, line);
+        }
         output_put(output, x, y, count, line);
         last_row = row;
         last_line = line;
@@ -205,22 +217,6 @@ static line_part span_of_line(const scan_steps &steps, const source_planes &plan
     return span;
 }
 
-// Asks for what a piece will read: the cache lines along its upper, lower and right edges. Unless much is skipped, there are no others.
-static void fetch_piece(const slanted_walk &walk, int left, int right, int lines)
-{
-    const auto fetch = [&](int x, int line) {
-        const int64_t u = walk.u + x * walk.a + line * walk.b, v = walk.v + x * walk.c + line * walk.d;
-        if (u >= 0 && v >= 0)
-            __builtin_prefetch(walk.pixels + (v >> 16) * walk.stride + (u >> 16));
-    };
-    for (int x = left; x <= right; x++) {
-        fetch(x, 0);
-        fetch(x, lines - 1);
-    }
-    for (int line = 1; line < lines - 1; line++)
-        fetch(right, line);
-}
-
 static uint8_t *strip_samples(int plane, int line)
 {
     return scratch.samples[plane] + int64_t{line} * scratch.width;
@@ -247,7 +243,6 @@ static void collect_strip(const source_planes &planes, int plane, const slanted_
         line_part parts[SCAN_STRIP];
         for (int i = 0; i < s.lines; i++)
             parts[i] = { std::max(s.spans[i].first, left), std::min(s.spans[i].last, left + PIECE - 1) };
-        fetch_piece(walk, left + PIECE, left + 2 * PIECE - 1, s.lines);
         collect_piece(planes, plane, walk, parts, s.lines);
     }
 }
@@ -292,7 +287,7 @@ static void scan_slanted(const scan_state &state, const view_source &source)
             const int x = state.clip.x0 + span.first, count = span.last - span.first + 1;
             if (count <= 0)
                 continue;
-            void *const line = output_line(output, x, s.y + i);
+            uint8_t *const line = output_line(output, x, s.y + i);
             const uint8_t *const in[3] = { strip_samples(0, i) + span.first, strip_samples(1, i) + span.first, strip_samples(2, i) + span.first };
             value.map(tables, in, x, s.y + i, count, line);
             output_put(output, x, s.y + i, count, line);

@@ -69,7 +69,7 @@ struct scan_output {
 };
 
 scan_output output_begin(const scan_state &state, const scan_value &value);
-void *output_line(const scan_output &output, int x, int y);  // where the line that begins at x, y is to be made
+uint8_t *output_line(const scan_output &output, int x, int y);  // where the line that begins at x, y is to be made
 void output_put(const scan_output &output, int x, int y, int count, const void *line);
 void output_end(const scan_output &output);
 
@@ -81,7 +81,7 @@ struct scan_scratch {
     int64_t width;                     // the widest clip that there is room for
     uint8_t *samples[3];               // SCAN_STRIP rows of that width each
     int32_t *columns;
-    void    *line, *values;            // one line of the widest display values each
+    uint8_t *line, *values;            // one line of the widest display values each
 };
 extern scan_scratch scratch;
 
