@@ -193,9 +193,31 @@ static void step_key(const script_step &step)
 
 // --- forms ---------------------------------------------------------------------------------------------------
 
+// Without the blanks that may stand before a label.
+static std::string bare(const char *text)
+{
+    const std::string whole = text ? text : "";
+    const size_t first = whole.find_first_not_of(' ');
+    return first == std::string::npos ? "" : whole.substr(first);
+}
+
+// The form that is up, and what its gadgets can be called.
 static std::string top_form_words()
 {
-    return form_top() ? std::string("the form \"") + form_title(form_top()) + "\"" : "no form";
+    constexpr int LABELS = 1000;
+    form *f = form_top();
+    if (!f)
+        return "no form";
+    std::string words = std::string("the form \"") + form_title(f) + "\" with";
+    for (int label = 1; label < LABELS; label++) {
+        const gadget *g = form_gadget(f, label);
+        if (!g || g->hidden)
+            continue;
+        for (const char *name : { g->text, g->second_text, g->name })
+            if (name && *name)
+                words += " \"" + bare(name) + "\"";
+    }
+    return words;
 }
 
 // The gadget of a step's first argument. Null after a failure.
@@ -205,7 +227,7 @@ static gadget *step_gadget(const script_step &step, int kind)
     form *f = form_top();
     gadget *g = kind == ANY_KIND ? form_find(f, text.c_str()) : form_find_kind(f, kind, text.c_str());
     if (!g) {
-        script_fail("a gadget \"" + text + "\"", top_form_words() + " without it");
+        script_fail("a gadget \"" + text + "\"", top_form_words());
     } else if (g->disabled) {
         script_fail("the gadget \"" + text + "\"", "it grey");
         return nullptr;
@@ -218,14 +240,6 @@ static void click_gadget(gadget *g, double across)
     int x, y;
     if (form_point_of(form_top(), g, across, &x, &y) == 0)
         script_click(x, y, LEFT_BUTTON, 0);
-}
-
-// Without the blanks that may stand before a label.
-static std::string bare(const char *text)
-{
-    const std::string whole = text ? text : "";
-    const size_t first = whole.find_first_not_of(' ');
-    return first == std::string::npos ? "" : whole.substr(first);
 }
 
 static void step_gadget_press(const script_step &step)

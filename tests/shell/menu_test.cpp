@@ -137,11 +137,12 @@ TEST_F(Menu, AnIdentifierMayBeGivenToARow)
     menu_set_id("debug_band", 0, 0, 0);
 }
 
+// Goes with the last command that is built.
 TEST_F(Menu, ACommandThatAwaitsItsRoomSaysSo)
 {
     const int beeps = memory_backend_beeps(BEEP_ERROR);
-    command_find("draw_symbol")->handler();
-    EXPECT_STREQ(msg_text(MSG_STATUS), "draw_symbol is not available yet");
+    command_find("splice2")->handler();
+    EXPECT_STREQ(msg_text(MSG_STATUS), "splice2 is not available yet");
     EXPECT_EQ(memory_backend_beeps(BEEP_ERROR), beeps + 1);
 }
 
