@@ -166,7 +166,7 @@ void refresh_view()
     busy_all();
     clear_and_paint(w);
     const int partner = windows[w].linked_window;
-    if (!(display_mode & SPLIT_DECOUPLED) && is_image_window(w) && is_image_window(partner)) {
+    if (!(display_mode & SPLIT_DECOUPLED) && is_image_window(w) && !(windows[w].flags & CUT) && is_image_window(partner)) {
         couple_view(windows[w], windows[partner]);
         clear_and_paint(partner);
     }

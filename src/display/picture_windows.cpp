@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "display/paint.h"
+#include "display/split_screen.h"
 #include "display/vlt.h"
 #include "enhance/histogram.h"
 #include "services/ws.h"
@@ -36,9 +37,9 @@ template <typename test, typename action> void for_each_picture(test wanted, act
     current_window = -1;
 }
 
-void paint_whole(int w)
+void paint_whole(int)
 {
-    paint_window(0, 0, windows[w].width - 1, windows[w].height - 1);
+    paint_whole_window();
 }
 
 // With one grey picture the look-up table lies in the colour table; a second picture, or the last but one going, changes that.
@@ -103,18 +104,26 @@ void forget_special_window(int w)
         scatter_window = -1;
 }
 
+// The window that shares a split screen with w, or -1. A cut window is linked to the picture that it was cut from, and no partner.
+int split_partner(int w)
+{
+    const int partner = windows[w].linked_window;
+    return is_image_window(w) && !(windows[w].flags & CUT) && is_image_window(partner) && windows[partner].linked_window == w ? partner : -1;
+}
+
 // What the rest of the session owes a picture that has gone.
 void picture_closed(int w, int overview, int partner)
 {
     picture_count--;
-    if (overview >= 0)
-        close_window(overview);
-    if (partner >= 0 && windows[partner].linked_window == w)
-        windows[partner].linked_window = -1;
-    if (w == active_window)
+    close_window(overview);
+    if (partner >= 0) {
+        current_window = partner;
+        split_off(true);
+    } else if (w == active_window) {
         activate_any();
+    }
     menu_update_split();
-    if (picture_count == 1 && grey_duty_changes()) {
+    if (partner < 0 && picture_count == 1 && grey_duty_changes()) {
         vlt_program();
         paint_all_pictures();
         prompt_mark_refresh_done();
@@ -185,10 +194,10 @@ int new_picture_window(int width, int height, int x, int y)
 
 void close_window(int w, bool already_gone)
 {
-    if (w < 0 || windows[w].flags == 0 || (windows[w].flags & RESERVED_WIN))
+    if (w <= 0 || windows[w].flags == 0)
         return;
-    const bool was_image = is_image_window(w), was_picture = is_picture(w);
-    const int vlt_id = windows[w].vlt_id, partner = windows[w].linked_window, overview = window_overview_of(w);
+    const bool was_picture = is_picture(w), was_counted = is_image_window(w) && !(windows[w].flags & RESERVED_WIN);
+    const int vlt_id = windows[w].vlt_id, partner = split_partner(w), overview = window_overview_of(w);
     if (was_picture)
         free_bands_of(w);
     if (!already_gone)
@@ -196,7 +205,7 @@ void close_window(int w, bool already_gone)
     clear_slot(w);
     if (was_picture && (display_mode & TC))
         return_colour_table(vlt_id);
-    if (was_image)
+    if (was_counted)
         picture_closed(w, overview, partner);
     forget_special_window(w);
 }
@@ -235,7 +244,7 @@ void mark_active(int w)
 void apply_active()
 {
     const int w = current_window;
-    if (w == active_window || !is_picture(w))
+    if (w == active_window || !is_image_window(w))
         return;
     if (active_window >= 0)
         title_plain(active_window);
@@ -276,6 +285,11 @@ void window_set_name(int w)
         mark_active(w);
     else
         title_plain(w);
+}
+
+void paint_whole_window()
+{
+    paint_window(0, 0, windows[current_window].width - 1, windows[current_window].height - 1);
 }
 
 void paint_bands(uint32_t mask)
@@ -319,6 +333,20 @@ void rename_bands(uint32_t mask)
     for (int w = WINDOWS - 1; w >= 0; w--)
         if (is_image_window(w) && (window_bands(windows[w]) & mask))
             window_set_name(w);
+}
+
+void window_uncollapse(int w)
+{
+    ws_uncollapse(w);
+    windows[w].flags = int16_t(windows[w].flags & ~WIN_COLLAPSED);
+}
+
+void set_drawing_colour(int w, int colour)
+{
+    constexpr int NAMED_BELOW = 16;
+    if ((display_mode & TC) && colour >= 0 && colour < NAMED_BELOW)
+        named_colour(colour, &colour, nullptr, nullptr);
+    ws_set_foreground(w, colour);
 }
 
 void clear_reserved_window()

@@ -1,6 +1,7 @@
 #include "display/readout.h"
 
 #include <cstdio>
+#include <initializer_list>
 
 #include "display/geometry.h"
 #include "services/ws.h"
@@ -119,4 +120,14 @@ void show_pixel_readout()
 void show_position_readout()
 {
     readout(false);
+}
+
+void show_intensity()
+{
+    msg_put(MSG_TITLE, MSG_CENTRED, "Show Intensity");
+    for (const int field : { MSG_STATUS, MSG_PROMPT, MSG_KEYIN })
+        msg_clear(field);
+    show_pixel_readout();
+    for (const int field : { MSG_TITLE, MSG_STATUS, MSG_PROMPT })
+        msg_clear(field);
 }

@@ -4,3 +4,5 @@
 int  pointer_changed(int *x, int *y);  // 1 when the pointer moved within a window; 0 when an event is pending
 void show_pixel_readout();
 void show_position_readout();
+
+void show_intensity();                 // "In&tensity": the pixel under the pointer until something happens

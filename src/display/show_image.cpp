@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "display/geometry.h"
-#include "display/paint.h"
+#include "display/overview.h"
 #include "display/picture_windows.h"
 #include "display/vlt.h"
 #include "enhance/histogram.h"
@@ -69,6 +69,13 @@ void copy_view(win_rec &win, const win_rec &from)
     win.zoom = from.zoom;
 }
 
+// The window that waits for its second half, or -1.
+int first_of_split()
+{
+    const bool waits = (display_mode & SPLIT_SCR) && is_image_window(active_window) && windows[active_window].linked_window < 0;
+    return waits ? active_window : -1;
+}
+
 int open_full_screen(int red, int green)
 {
     if (!(display_mode & IFB))
@@ -96,7 +103,7 @@ int show_image(int red, int green, int blue)
     if (blue == FULL_SCREEN_REQUEST)
         return open_full_screen(red, green);
 
-    const int partner = (display_mode & SPLIT_SCR) && is_image_window(active_window) ? active_window : -1;
+    const int partner = first_of_split();
     const placement place = partner >= 0 ? right_half(windows[partner]) : largest_window();
     const int w = new_picture_window(place.width, place.height, place.x, place.y);
     if (w < 0) {
@@ -120,11 +127,14 @@ int show_image(int red, int green, int blue)
     else
         vlt_program();
     current_window = w;
-    paint_window(0, 0, win.width - 1, win.height - 1);
+    paint_whole_window();
     ws_normal_cursor(w);
     menu_update_split();
-    if (display_mode & NEW_SESSION)
+    if (display_mode & NEW_SESSION) {
         open_hist_in_new_session();
+        open_overview_in_new_session();
+    }
+    current_window = w;
     return w;
 }
 

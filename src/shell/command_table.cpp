@@ -3,8 +3,16 @@
 #include <cstdio>
 #include <cstring>
 
+#include "display/colour_choice.h"
 #include "display/colour_commands.h"
+#include "display/detail_window.h"
+#include "display/draw_symbol.h"
+#include "display/grid.h"
 #include "display/navigation.h"
+#include "display/overview.h"
+#include "display/readout.h"
+#include "display/split_screen.h"
+#include "display/window_commands.h"
 #include "enhance/contrast_commands.h"
 #include "enhance/histogram.h"
 #include "services/ws.h"
@@ -121,30 +129,30 @@ command_row command_table[] = {
     COMMAND(linearize)
     COMMAND(test_gamma)
     // windows
-    AWAITED(set_active_window)
-    AWAITED(display_overview)
-    AWAITED(detail_win)
-    AWAITED(toggle_grid)
-    AWAITED(enable_grid)
-    AWAITED(disable_grid)
-    AWAITED(grid_color)
-    AWAITED(highlight_color)
-    AWAITED(redraw_win)
-    AWAITED(redraw_all)
-    AWAITED(erase_win)
-    AWAITED(push_win)
-    AWAITED(pop_win)
-    AWAITED(restore_windows)
-    AWAITED(split_screen_enable)
-    AWAITED(split_screen_disable)
-    AWAITED(toggle_couple)
-    AWAITED(split_screen_decouple)
-    AWAITED(split_screen_couple)
-    AWAITED(dual_screen_enable)
-    AWAITED(show_intensity)
-    AWAITED(draw_vector_c)
-    AWAITED(draw_vector_s)
-    AWAITED(draw_symbol)
+    COMMAND(set_active_window)
+    COMMAND(display_overview)
+    COMMAND(detail_win)
+    COMMAND(toggle_grid)
+    COMMAND(enable_grid)
+    COMMAND(disable_grid)
+    COMMAND(grid_color)
+    COMMAND(highlight_color)
+    COMMAND(redraw_win)
+    COMMAND(redraw_all)
+    COMMAND(erase_win)
+    COMMAND(push_win)
+    COMMAND(pop_win)
+    COMMAND(restore_windows)
+    COMMAND(split_screen_enable)
+    COMMAND(split_screen_disable)
+    COMMAND(toggle_couple)
+    COMMAND(split_screen_decouple)
+    COMMAND(split_screen_couple)
+    COMMAND(dual_screen_enable)
+    COMMAND(show_intensity)
+    COMMAND(draw_vector_c)
+    COMMAND(draw_vector_s)
+    COMMAND(draw_symbol)
     // histograms
     COMMAND(reset_hist)
     COMMAND(collect_hist_full)

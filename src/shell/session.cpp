@@ -25,6 +25,7 @@ int32_t num_planes, start_planes;
 uint32_t plane_mask;
 int32_t hardware_highlight;
 int32_t highlight_colour = -1;
+int32_t grid_colour = -1;
 float font_scale = 1;
 int32_t max_image_width, max_image_height;
 int32_t screen_no, screen_width, screen_height;
@@ -72,7 +73,7 @@ void session_reset()
     num_planes = start_planes = 0;
     plane_mask = 0;
     hardware_highlight = 0;
-    highlight_colour = -1;
+    highlight_colour = grid_colour = -1;
     font_scale = 1;
     max_image_width = max_image_height = 0;
     screen_no = screen_width = screen_height = 0;

@@ -103,6 +103,7 @@ extern int32_t num_planes, start_planes;
 extern uint32_t plane_mask;
 extern int32_t hardware_highlight;
 extern int32_t highlight_colour;       // -1
+extern int32_t grid_colour;            // -1: white when it is first used
 extern float   font_scale;             // 1.5 or 1.0
 extern int32_t max_image_width, max_image_height;
 extern int32_t screen_no, screen_width, screen_height;

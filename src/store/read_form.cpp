@@ -5,6 +5,7 @@
 #include <cstring>
 #include <initializer_list>
 
+#include "display/split_screen.h"
 #include "forms/forms.h"
 #include "services/hostpath.h"
 #include "services/ws.h"
@@ -298,7 +299,8 @@ void complete_name(form *f, int label)
         form_focus(f, label);
     } else if (form_text_of(f, label)[0]) {
         the_form.name_field = next_name_field(label);
-        form_focus(f, the_form.name_field == label ? ACCEPT : the_form.name_field);
+        if (the_form.name_field != label)
+            form_focus(f, the_form.name_field);
     }
 }
 
@@ -398,6 +400,10 @@ void read_image()
 {
     if (active_window >= 0 && ask_save_changes(active_window) == 0)
         return;
+    if (display_mode & SPLIT_SCR) {
+        split_screen_read_again();
+        return;
+    }
     display_mode |= NEW_SESSION;
     read_image_form(READ_NEW);
     display_mode &= ~uint32_t{NEW_SESSION};
