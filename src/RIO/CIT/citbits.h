@@ -117,8 +117,8 @@ enum cit_line_end { CIT_LINE_DONE, CIT_LINE_BAD, CIT_END_MARKER };
 cit_line_end cit_read_line_1d(cit_reader &in, cit_lines &lines);
 cit_line_end cit_read_line_2d(cit_reader &in, cit_lines &lines);
 
-// A run of one colour, made up of several codes, into `run`, at most `limit`. False at a code that there is none of.
-// Elsewhere than at the start of a line the caller has refilled; afterwards at least 30 bits are held.
+// A run of one colour, of one code or of several, into `run`, cut to `limit`. False at a code that there is none of. The
+// caller holds CIT_LOOK_BITS bits at least.
 inline bool cit_read_run(cit_reader &in, cit_colour colour, int32_t limit, int32_t *run)
 {
     int32_t sum = 0;

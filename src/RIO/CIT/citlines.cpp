@@ -30,6 +30,8 @@ static void store_block(uint16_t *words, int64_t block, uint64_t v, size_t bytes
 
 void cit_expand(int32_t width, const uint16_t *runs, uint16_t *out)
 {
+    if (width <= 0)
+        return;
     const int64_t words = (int64_t{ width } + 15) / 16, last_block = (words - 1) / 4, last_begin = 64 * last_block;
     std::memset(out, 0, size_t(2 * words));
     // The masks of the whole blocks go to the line itself, those of the last block stay here.
