@@ -53,6 +53,7 @@ static bool is_xbm(const candidate &c) { return xbm_detect(c.head, c.bytes, c.na
 
 static RFILE *open_natv(const candidate &c) { return natv_open_r(c.file, c.name); }
 static RFILE *open_natv_text(const candidate &c) { return natv_open_text(c.file); }
+static RFILE *open_tiff(const candidate &c) { return tif_open_r(c.file); }
 static RFILE *open_pnm(const candidate &c) { return pnm_open_r(c.file); }
 static RFILE *open_sun(const candidate &c) { return sun_open_r(c.file); }
 static RFILE *open_sym(const candidate &c) { return sym_open_r(c.file); }
@@ -88,7 +89,7 @@ static RFILE *open_wrapper(const candidate &c)
     if (offset == 0 || le_u32(c.head + TIFF_LENGTH) == 0 || (wanted != NO_CHECKSUM && wanted != sum))
         return fail_without_code(c.file);
     c.file->image_offset = offset;
-    return rio_fail_open(c.file, RIO_UNSUPPORTED, "TIFF");
+    return tif_open_r(c.file);
 }
 
 // Magic numbers first, weak structural tests after them, and last the format with no magic at all. A row without a test
@@ -101,7 +102,7 @@ struct detection_row {
 
 static constexpr detection_row detection_table[] = {
     { "NATV", is_natv, open_natv },
-    { "TIFF", is_tiff, nullptr },
+    { "TIFF", is_tiff, open_tiff },
     { "GIF", is_gif, nullptr },
     { "BMP", is_bmp, nullptr },
     { "NATV text", is_natv_text, open_natv_text },

@@ -181,8 +181,14 @@ void tif_difference_bytes(uint8_t *line, int64_t bytes, int step)
         line[i] = uint8_t(line[i] - line[i - step]);
 }
 
-void tif_sum_words(uint8_t *line, int64_t count, int step)
+void tif_sum_words(uint8_t *line, int64_t count, int step, bool big_endian)
 {
-    for (int64_t i = step; i < count; i++)
-        put_le_u16(line + 2 * i, uint16_t(le_u16(line + 2 * i) + le_u16(line + 2 * (i - step))));
+    for (int64_t i = step; i < count; i++) {
+        uint8_t *here = line + 2 * i;
+        const uint8_t *before = here - 2 * step;
+        if (big_endian)
+            put_be_u16(here, uint16_t(be_u16(here) + be_u16(before)));
+        else
+            put_le_u16(here, uint16_t(le_u16(here) + le_u16(before)));
+    }
 }

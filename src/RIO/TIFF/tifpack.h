@@ -16,5 +16,5 @@ inline int64_t packbits_most_bytes(int64_t bytes) { return bytes + bytes / 128 +
 void tif_sum_bytes(uint8_t *line, int64_t bytes, int step);
 void tif_difference_bytes(uint8_t *line, int64_t bytes, int step);
 
-// The same for 16-bit samples in the machine's order: `count` of them, `step` samples apart.
-void tif_sum_words(uint8_t *line, int64_t count, int step);
+// The same sums for 16-bit samples: `count` of them, `step` samples apart.
+void tif_sum_words(uint8_t *line, int64_t count, int step, bool big_endian);

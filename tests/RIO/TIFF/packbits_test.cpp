@@ -132,6 +132,9 @@ TEST(Predictor, BytesAreSummedAtTheirDistanceAndTakenApartAgain)
 TEST(Predictor, WordsCarryBetweenTheirBytes)
 {
     bytes line { 0xFF, 0x00, 0x01, 0x00, 0xFF, 0xFF };      // 255, 1, 65535
-    tif_sum_words(line.data(), 3, 1);
+    tif_sum_words(line.data(), 3, 1, false);
     EXPECT_EQ(line, (bytes { 0xFF, 0x00, 0x00, 0x01, 0xFF, 0x00 }));    // 255, 256, 255
+    bytes other { 0x00, 0xFF, 0x00, 0x01, 0xFF, 0xFF };
+    tif_sum_words(other.data(), 3, 1, true);
+    EXPECT_EQ(other, (bytes { 0x00, 0xFF, 0x01, 0x00, 0x00, 0xFF }));
 }
