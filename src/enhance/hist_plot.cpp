@@ -71,7 +71,7 @@ void plot_axis(int window, int baseline)
     fill(window, int(plane_mask), PLOT_X, baseline, PLOT_X + 255, baseline);
     const int three_digits = text_width(font_text_small, "100");
     for (int level = 0; level <= 250; level += 50) {
-        char text[8];
+        char text[16];
         snprintf(text, sizeof text, "%d", level);
         const int x = PLOT_X + level;
         const int width = level < 100 ? text_width(font_text_small, text) : three_digits;
