@@ -102,5 +102,8 @@ void disable_grid()
 {
     set_enabled(0);
     paint_hook_remove(grid_paint);
-    for_each_gridded([](const win_rec &) { paint_whole_window(); });
+    for_each_gridded([](const win_rec &) {
+        ws_clear_window(current_window);               // the last lines lie just outside of the image
+        paint_whole_window();
+    });
 }

@@ -111,6 +111,17 @@ int split_partner(int w)
     return is_image_window(w) && !(windows[w].flags & CUT) && is_image_window(partner) && windows[partner].linked_window == w ? partner : -1;
 }
 
+// A grey image read beside a colour one, or the other way round, has changed the mode of all. When only one kind is left, the mode is theirs.
+void mode_of_the_rest()
+{
+    if (active_window < 0 || windows[active_window].red_band < 0 || mono_channel != 0 || pictures_are_mixed())
+        return;
+    if (shows_several_bands(windows[active_window]) != bool(display_mode & COLOR)) {
+        display_mode ^= COLOR;
+        display_rebuild();
+    }
+}
+
 // What the rest of the session owes a picture that has gone.
 void picture_closed(int w, int overview, int partner)
 {
@@ -128,6 +139,7 @@ void picture_closed(int w, int overview, int partner)
         paint_all_pictures();
         prompt_mark_refresh_done();
     }
+    mode_of_the_rest();
 }
 
 void title_plain(int w)
@@ -339,6 +351,15 @@ void window_uncollapse(int w)
 {
     ws_uncollapse(w);
     windows[w].flags = int16_t(windows[w].flags & ~WIN_COLLAPSED);
+}
+
+bool pictures_are_mixed()
+{
+    bool several = false, single = false;
+    for (int w = 0; w < WINDOWS; w++)
+        if (is_image_window(w) && windows[w].red_band >= 0)
+            (shows_several_bands(windows[w]) ? several : single) = true;
+    return several && single;
 }
 
 void set_drawing_colour(int w, int colour)

@@ -14,6 +14,7 @@ void activate_any();
 void window_set_name(int w);           // from the labels of its bands; titles it too
 void window_read_geometry(int w);      // x, y, width, height from the services
 void window_uncollapse(int w);         // back from its icon; nothing for a window that is none
+bool pictures_are_mixed();             // image windows of one band and of three are open
 void set_drawing_colour(int w, int colour);  // a slot; on a true colour display 0xRRGGBB, below 16 a named colour
 void paint_bands(uint32_t mask);       // every picture showing a band of the mask, 39 to 0; current_window is -1 afterwards
 void paint_colour_bands(uint32_t mask);

@@ -124,6 +124,8 @@ int show_image(int red, int green, int blue)
     window_set_name(w);
     if (display_mode & NEW_SESSION)
         new_session_display();
+    else if (pictures_are_mixed())
+        display_rebuild();             // the others were painted for another mode
     else
         vlt_program();
     current_window = w;

@@ -21,6 +21,7 @@
 #include "shell/screen_planes.h"
 #include "shell/session.h"
 #include "store/bands.h"
+#include "store/read_form.h"
 
 constexpr int LARGE_SCREEN = 720;      // from this height on the large fonts are used
 
@@ -254,6 +255,7 @@ void main_end()
         band_free(n);
     paint_reset();
     vlt_forget();
+    read_form_end();
     forms_exit();
     ws_exit();
 }

@@ -413,3 +413,9 @@ void replace_band()
 {
     read_image_form(READ_REPLACE);
 }
+
+void read_form_end()
+{
+    form_free(the_form.shown);
+    the_form = {};
+}

@@ -12,3 +12,5 @@ int read_image_form(int mode);         // 1 when an image was read or a band rep
 
 void read_image();
 void replace_band();
+
+void read_form_end();                  // forgets the form; before forms_exit
