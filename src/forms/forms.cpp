@@ -34,7 +34,7 @@ int forms_init()
     ws_screen_info screen{};
     if (ws_inquire_screen(&screen) != 0)
         return -1;
-    current_style = { font_or_none("sans.16"), font_or_none("sans.14"), font_or_none("symbols"), 1.0, start_palette(screen),
+    current_style = { font_or_none("sansb.16"), font_or_none("sans.16"), font_or_none("symbols"), 1.0, start_palette(screen),
                       (screen.flags & WS_CAP_TRUECOLOUR) != 0 };
     report_box_install();
     return 0;

@@ -15,6 +15,7 @@
 static constexpr int LEAST_WIDTH = 640, LEAST_HEIGHT = 480, MOST_SIDE = 8192;
 static constexpr int FALLBACK_WIDTH = 1280, FALLBACK_HEIGHT = 1024;
 static constexpr int CURSORS = CURSOR_HIDDEN;
+static constexpr char APPLICATION[] = "kestrel";   // to window managers
 
 struct desktop_window {
     SDL_Window *window;
@@ -35,6 +36,24 @@ static bool has_display()
 {
     const char *const driver = SDL_GetCurrentVideoDriver();
     return driver && strcmp(driver, "offscreen") != 0 && strcmp(driver, "dummy") != 0;
+}
+
+// Where the environment names no display server there is nothing to ask; SDL's drivers would say so on standard error.
+static bool environment_has_display()
+{
+    for (const char *name : { "DISPLAY", "WAYLAND_DISPLAY", "XDG_RUNTIME_DIR", "SDL_VIDEODRIVER" })
+        if (getenv(name))
+            return true;
+    return false;
+}
+
+static bool start_video()
+{
+    SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
+    SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
+    SDL_SetHint(SDL_HINT_APP_NAME, APPLICATION);
+    setenv("SDL_VIDEO_X11_WMCLASS", APPLICATION, 0);
+    return environment_has_display() && SDL_InitSubSystem(SDL_INIT_VIDEO) == 0 && has_display();
 }
 
 static bool frame_size_from_environment(SDL_Rect *area_out)
@@ -92,27 +111,26 @@ static int depth_of_display()
     return SDL_GetCurrentDisplayMode(0, &mode) == 0 ? SDL_BITSPERPIXEL(mode.format) : 24;
 }
 
+// SDL ends its own waits by messages to the window over a second connection to the X server. One that gets there behind the
+// window's end is answered by an error, which would be read, and end the process with status 1, when that connection is closed.
+// So a session that had a window leaves its connections to the process's end.
 static void desktop_close()
 {
     tone_close();
     for (SDL_Cursor *&cursor : desktop.cursors)
         SDL_FreeCursor(cursor);
-    if (desktop.window)
+    const bool had_window = desktop.window;
+    if (had_window)
         SDL_DestroyWindow(desktop.window);
     desktop = {};
     typed.clear();
-    SDL_Quit();
+    if (!had_window)
+        SDL_Quit();
 }
 
 static int desktop_open(const char *title, backend_display *display_out)
 {
-    SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
-    SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
-    SDL_SetHint(SDL_HINT_APP_NAME, title);
-    setenv("SDL_VIDEO_X11_WMCLASS", title, 0);
-    if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
-        return ENODEV;
-    if (!has_display() || !make_window(title)) {
+    if (!start_video() || !make_window(title)) {
         desktop_close();
         return ENODEV;
     }

@@ -357,9 +357,10 @@ static void paint_line(const ws_rect &field)
     if (!flashing)
         paint_fill({ r.x0 - 2, field.y0, field.x1, field.y1 }, UI_PAPER);
     paint_text(ui_font(), field.x0 + TEXT_GAP, field.y0, field.x1, line.prefix.c_str(), ink());
-    paint_text(ui_font(), r.x0, r.y0, r.x1, line.text.c_str() + line.first, ink());
+    // The cursor lies under the text, so that it hides no part of a character.
     const int x = r.x0 + width_of(line.text.substr(size_t(line.first), size_t(line.cursor - line.first)));
     paint_fill({ x, r.y0 + 1, x + CURSOR_WIDTH - 1, r.y1 - 1 }, UI_ACCENT);
+    paint_text(ui_font(), r.x0, r.y0, r.x1, line.text.c_str() + line.first, ink());
 }
 
 void strip_paint(const ws_rect &area)

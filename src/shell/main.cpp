@@ -6,6 +6,7 @@
 
 #include "services/backend.h"
 #include "services/screenshot.h"
+#include "services/ws_menu.h"
 #include "shell/startup.h"
 
 static constexpr char usage[] =
@@ -59,7 +60,7 @@ static void use_memory_screen()
         if (std::sscanf(frame, "%dx%d", &width, &height) != 2 || width < 320 || height < 240 || width > 16384 || height > 16384)
             width = 1280, height = 1024;
     ws_use_backend(&backend_memory);
-    memory_backend_configure(width, height, 24, 0);
+    memory_backend_configure(width, height - ws_menu_height(), 24, 0);
     memory_backend_on_idle(write_first_screen);
 }
 
