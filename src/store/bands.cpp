@@ -30,7 +30,8 @@ uint32_t pixel_bytes(const band_rec &band)
     if (band.x_size <= 0 || band.y_size <= 0)
         return 0;
     const uint64_t bytes = uint64_t(band_row_bytes(&band)) * uint64_t(band.y_size);
-    return bytes <= UINT32_MAX ? uint32_t(bytes) : 0;
+    // A single pixel takes two bytes: one byte stands for a band in the tile store.
+    return bytes <= UINT32_MAX ? std::max(uint32_t(bytes), uint32_t{2}) : 0;
 }
 
 // One block, in the order in which the record names its tables.
