@@ -215,3 +215,10 @@ TEST_F(OutputTables, TheDisplayGammaIsUndone)
     EXPECT_EQ(r[255], 255);            // 255 / 2 + 128 is 255
     EXPECT_EQ(r[50], 1);               // a hole takes the next entry above: 128 is level 1
 }
+
+TEST_F(Bands, ASinglePixelHasMemory)
+{
+    const int n = create(1, 1, KIND_COT);
+    ASSERT_NE(bands[n].data, nullptr);
+    EXPECT_EQ(bands[n].alloc_bytes, 2u);       // one byte would stand for a band in the tile store
+}
