@@ -24,6 +24,7 @@ SLOW_PRESS = 0.3     # longer than the time in which a press may still become a 
 LARGE_FRAME = 720    # rows of the frame from which the larger fonts are used
 
 
+MENU_REACH, MENU_HEIGHT = 720, 330   # pixels below the bar in which menus open
 BORDER = 4           # pixels of a window's frame, but for the caption
 
 Frame = collections.namedtuple("Frame", "outer caption collapse close inside")
@@ -299,7 +300,7 @@ class Kestrel:
 
     def menu_row(self, label, right_of=0):
         """The row of that label in an open menu and whether it can be chosen: (place, enabled); None when there is none."""
-        area = (right_of, 24, self.screen.width - 1, self.screen.height - 1)
+        area = (right_of, 24, min(right_of + MENU_REACH, self.screen.width - 1), 24 + MENU_HEIGHT)
         for colour, enabled in ((TEXT, True), (TEXT_WHITE, True), (TEXT_GREY, False)):
             for place in self.menu_texts(label, colour, area):
                 left = place[0] - 8
