@@ -106,6 +106,22 @@ int read_second_image()
     return 0;
 }
 
+bool has_partner(int w)
+{
+    return is_image_window(w) && !(windows[w].flags & CUT) && is_image_window(windows[w].linked_window);
+}
+
+// The partner of the active window. When a third one is active the first half stays, and becomes active.
+int half_to_keep()
+{
+    if (has_partner(active_window))
+        return windows[active_window].linked_window;
+    for (int w = 0; w < WINDOWS; w++)
+        if (has_partner(w))
+            return w;
+    return active_window;
+}
+
 void clear_fields()
 {
     for (const int field : { MSG_TITLE, MSG_STATUS, MSG_PROMPT, MSG_KEYIN })
@@ -187,7 +203,7 @@ void split_screen_disable()
     do
         input = prompt_input("Disable split screen", "Select screen to keep", 0);
     while (!(input & (INPUT_RESET | INPUT_QUIT))
-           && !(input == INPUT_POINT && is_image_window(pick_window) && windows[pick_window].linked_window >= 0));
+           && !(input == INPUT_POINT && has_partner(pick_window)));
     msg_clear(MSG_TITLE);
     msg_clear(MSG_PROMPT);
     if (input == INPUT_POINT)
@@ -220,8 +236,8 @@ void toggle_couple()
 
 void split_screen_read_again()
 {
-    const int partner = active_window >= 0 ? windows[active_window].linked_window : -1;
-    current_window = is_image_window(partner) ? partner : active_window;
+    current_window = half_to_keep();
     split_off(false);
+    apply_active();
     split_screen_enable();
 }

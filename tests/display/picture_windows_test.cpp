@@ -128,3 +128,35 @@ TEST_F(PictureWindows, AFullTableIsSaidAndOpensNothing)
     EXPECT_STREQ(msg_text(MSG_STATUS), "no window is free for this image");
     EXPECT_EQ(picture_count, WINDOWS - 1);
 }
+
+TEST_F(PictureWindows, TrueColourDisplaysHaveNoFullScreenWindow)
+{
+    const int band = make_band("a.pgm");
+    EXPECT_EQ(show_image(band, band, -2), -1);
+}
+
+namespace {
+
+struct PictureWindowsOnEightPlanes : PictureWindows {
+    PictureWindowsOnEightPlanes() { planes = 8; }
+};
+
+} // namespace
+
+TEST_F(PictureWindowsOnEightPlanes, TheFullScreenWindowBelongsToTheSystem)
+{
+    const int picture = open_grey("first.pgm"), band = make_band("full.pgm");
+    const int w = show_image(band, band, -2);
+    ASSERT_GT(w, 0);
+    EXPECT_EQ(windows[w].flags, 133);
+    EXPECT_EQ(windows[w].x, 0);
+    EXPECT_EQ(windows[w].y, 0);
+    EXPECT_EQ(windows[w].width, 1184);
+    EXPECT_EQ(windows[w].height, 884 - layout.strip);
+    EXPECT_EQ(picture_count, 1);
+    EXPECT_EQ(active_window, picture);
+    close_window(w);
+    EXPECT_EQ(windows[w].flags, 0);
+    EXPECT_EQ(bands[band].alloc_bytes, 0u);
+    EXPECT_EQ(picture_count, 1);
+}

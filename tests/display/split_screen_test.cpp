@@ -380,6 +380,19 @@ TEST_F(SplitScreen, WithTheLeftHalfActiveTheRightOneMovesOver)
     EXPECT_EQ(bands_in_use(), 2);
 }
 
+TEST_F(SplitScreen, WithAThirdPictureActiveTheFirstHalfStays)
+{
+    open_pair();
+    const int third = open_grey("third.pgm");
+    reads_second();
+    read_image();
+    EXPECT_EQ(windows[left].linked_window, active_window);
+    EXPECT_EQ(windows[active_window].linked_window, left);
+    EXPECT_TRUE(is_image_window(third));
+    EXPECT_EQ(picture_count, 3);
+    EXPECT_EQ(bands_in_use(), 3);
+}
+
 TEST_F(SplitScreen, AGreyImageBesideAColourOneLeavesColourWhenItGoes)
 {
     left = open_colour("left.ppm", 600, 500);
