@@ -151,7 +151,7 @@ struct init_row {
 
 static constexpr init_row init_table[] = {
     { RIO_FORMAT_NATV, "NATV", natv_init_w },
-    { RIO_FORMAT_TIFF, "TIFF", nullptr },
+    { RIO_FORMAT_TIFF, "TIFF", tif_init_w },
     { RIO_FORMAT_BMP, "BMP", nullptr },
     { RIO_FORMAT_GIF, "GIF", nullptr },
     { RIO_FORMAT_TGA, "TGA", nullptr },

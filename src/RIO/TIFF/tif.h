@@ -6,10 +6,12 @@
 //   tifgetli  stored rows to lines                                 tiflzw    LZW
 //   tifgetti  tiles, and lines out of tiles                        tifpack   PackBits, predictor
 //   tifcit    bilevel strips through the CCITT codec               tifmulti  pages and overviews
-//   tifinfo   header keys, colour table, seeking
+//   tifinfo   header keys asked, colour table, seeking             tifset    header keys set
 #pragma once
 #include "RIO/CORE/rio_format.h"
 #include "RIO/TIFF/tiflzw.h"
+
+struct cit_encoder;
 
 enum { TIF_LITTLE_ENDIAN = 18761, TIF_BIG_ENDIAN = 19789, TIF_VERSION = 42 };
 
@@ -78,7 +80,7 @@ enum : uint32_t {
     TIF_MUST_WRITE = 0x0100,        // the directory must be written
     TIF_WAS_WRITTEN = 0x0200,       // it has been written once
     TIF_CHANGED = 0x0400,           // header data have changed
-    TIF_LAID_OUT = 0x0800,          // strips or tiles have their sizes and tables
+    TIF_LAID_OUT = 0x1000,          // strips or tiles have their sizes and tables
 };
 
 // The packet of tag 33918 that holds the matrix: id, code, words of the body (two words), then 16 doubles.
@@ -102,6 +104,19 @@ struct tif_user_tag {
     uint16_t tag, type;
     uint32_t count;
     uint8_t *values;
+};
+
+// The strip or tile that is being made.
+struct tif_writing {
+    uint8_t *rows[TIF_MOST_SAMPLES];        // stored rows, or PackBits codes, one buffer for each plane
+    int64_t fill[TIF_MOST_SAMPLES], room[TIF_MOST_SAMPLES];
+    int32_t lines;                  // in hand
+    int32_t next_line;              // the line expected next
+    uint8_t *out;                   // coded bytes
+    int64_t out_room;
+    lzw_state lzw;
+    cit_encoder *encoder;           // of a CCITT strip begun; coded bytes are in `out`
+    uint16_t *runs;                 // two run lists, of even and odd lines
 };
 
 // One directory. RFILE.specs is the one of the active image; the others hang on it by next_ifd and prev_ifd.
@@ -139,14 +154,13 @@ struct tif_specs {
     tif_specs *next_ifd, *prev_ifd;
 
     // Writing.
+    int64_t file_end;               // where the next strip, table or directory goes, from the image offset on
+    int32_t wanted_rows;            // rows_per_strip as key 505 was set; 0 for a strip of a handy size
     tif_user_tag *user_tags;
     uint32_t user_tag_count;
-    uint8_t *strip_buffer[TIF_MOST_SAMPLES];    // rows pending, one buffer for each plane
-    int64_t strip_fill[TIF_MOST_SAMPLES];       // bytes pending
-    int64_t strip_room[TIF_MOST_SAMPLES];
-    int32_t strip_lines;            // lines pending
-    int32_t strip_first_line;       // the first of them
-    lzw_state lzw;
+    const uint16_t *app_packets;    // the caller's
+    int32_t app_packet_words;
+    tif_writing unit;
 };
 
 inline tif_specs *tif_of(const RFILE *file) { return static_cast<tif_specs *>(file->specs); }
@@ -241,6 +255,7 @@ enum tif_key {
 };
 
 int tif_get_hdr_data(RFILE *file, int key, void *value);
+// tifset
 int tif_set_hdr_data(RFILE *file, int key, const void *value);
 int tif_get_stat(RFILE *file, rio_stat *stat);
 int tif_get_format(RFILE *file);
@@ -253,3 +268,39 @@ int tif_get_image_count(RFILE *file);
 int tif_set_image_count(RFILE *file, int count);
 int tif_set_active_image(RFILE *file, int image);
 int tif_set_active_ov(RFILE *file, int overview);
+int tif_set_stat(RFILE *file, const rio_stat *stat);
+int tif_put_packet(RFILE *file, const void *packet);
+int tif_init_std_hdr(RFILE *file, RFILE *target);
+// Appends `count` overviews, each half as large as the one before, to the chain of a new file.
+int tif_make_overviews(RFILE *file, int count);
+int tif_init_ov(RFILE *file, RFILE *target);
+
+// ---- tifwrthd, tifputli, tifputti ----------------------------------------------------------------------------------
+
+// A type, with the samples, bits, photometric and compression that it fixes.
+int tif_set_format(RFILE *file, int data_type);
+// Strips or tiles of the image in hand, and their tables. 1; 0 with the error set.
+int tif_layout(RFILE *file);
+// Slot: before the first line, the layout; on a file opened for modify, changed header data go to the file.
+int tif_wrt_hdr(RFILE *file);
+// Ends the image in hand: the strip begun, then the directory. 0; 1 with the error set.
+int tif_finish_image(RFILE *file);
+void tif_close(RFILE *file);
+
+int tif_putline(RFILE *file, int count, uint8_t **lines);
+int tif_put_line(RFILE *file, int count, uint8_t **lines);
+int tif_put_rle_line(RFILE *file, const uint8_t *runs, int size);
+int tif_put_tile(RFILE *file, int count, uint8_t **buffers, const int32_t *value);
+
+// One row of `unit`, then its end: the coded bytes go to the end of the file, and into the tables. 1; 0 with the error set.
+int tif_add_row(RFILE *file, const tif_unit &unit, int count, uint8_t **lines);
+int tif_end_unit(RFILE *file, const tif_unit &unit, int64_t planes_apart);
+// Row `row` of an uncompressed unit, in its place in the file.
+int tif_replace_row(RFILE *file, const tif_unit &unit, int64_t planes_apart, int32_t row, int count, uint8_t **lines);
+// Bytes to the end of the file. *offset is where they begin, from the image offset on.
+int tif_append(RFILE *file, const uint8_t *bytes, int64_t count, int64_t *offset);
+
+// tifcit: a line into the strip in hand, and its end; *bytes are in unit.out, first bit at the high end.
+int tif_ccitt_add(RFILE *file, tif_specs *specs, const tif_unit &unit, const uint16_t *line);
+int tif_ccitt_end(RFILE *file, tif_specs *specs, int64_t *bytes);
+void tif_free_writing(tif_writing *unit);

@@ -1,4 +1,4 @@
-// Bilevel strips and tiles through the CCITT codec: each is decoded to lists of runs, once, and its lines are drawn from
+// Bilevel strips and tiles through the CCITT codec. Reading, each is decoded to lists of runs, once, and its lines are drawn from
 // them. A damaged one gives the lines before the damage; those behind it are white, and no error is set. This is meant.
 #include "RIO/CIT/cit.h"
 #include "RIO/TIFF/tif.h"
@@ -61,4 +61,89 @@ int tif_ccitt_row(RFILE *file, tif_specs *specs, const tif_unit &unit, int32_t r
         return 0;
     cit_expand(unit.width, held.runs + (row < held.lines ? held.run_index[row] : 0), out);
     return 1;
+}
+
+// ---- writing -------------------------------------------------------------------------------------------------------
+
+static int make_encoder(RFILE *file, tif_specs *specs, const tif_unit &unit)
+{
+    tif_writing &w = specs->unit;
+    const int64_t room = std::max<int64_t>(4096, tif_row_bytes(specs, unit.width) * 2);
+    const int64_t run_list = int64_t{unit.width} + unit.width / 32767 + 8;
+    if (!w.out || w.out_room < room) {
+        mem_free(w.out);
+        w.out = static_cast<uint8_t *>(mem_alloc(size_t(room)));
+        w.out_room = w.out ? room : 0;
+    }
+    if (!w.runs)
+        w.runs = static_cast<uint16_t *>(mem_alloc(size_t(2 * run_list) * sizeof(uint16_t)));
+    if (!w.out || !w.runs || (!w.encoder && cit_encoder_new(&w.encoder) != CIT_OK))
+        return rio_fail(file, RIO_NO_MEMORY, "rio_put_line: Malloc failure\n");
+    uint16_t *words = reinterpret_cast<uint16_t *>(w.out);
+    // Group 3 data are the two-dimensional ones of Group 4, without EOL. This is meant.
+    const uint32_t begun = specs->compression == TIF_CCITT_RLE
+                               ? cit_g3_init(w.encoder, unit.width, unit.rows, words, w.out_room, 0, -2, 1)
+                               : cit_g4_init(w.encoder, unit.width, unit.rows, words, w.out_room, 0);
+    return begun == CIT_OK ? 1 : rio_fail(file, RIO_NO_MEMORY, "rio_put_line: Malloc failure\n");
+}
+
+static int more_room(RFILE *file, tif_writing &w)
+{
+    uint8_t *grown = static_cast<uint8_t *>(mem_realloc(w.out, size_t(2 * w.out_room)));
+    if (!grown)
+        return rio_fail(file, RIO_NO_MEMORY, "rio_put_line: Malloc failure\n");
+    w.out = grown;
+    w.out_room *= 2;
+    cit_encoder_move(w.encoder, reinterpret_cast<uint16_t *>(w.out), w.out_room);
+    return 1;
+}
+
+int tif_ccitt_add(RFILE *file, tif_specs *specs, const tif_unit &unit, const uint16_t *line)
+{
+    tif_writing &w = specs->unit;
+    if (w.lines == 0 && !make_encoder(file, specs, unit))
+        return 0;
+    const int64_t run_list = int64_t{unit.width} + unit.width / 32767 + 8;
+    uint16_t *runs = w.runs + (w.lines & 1 ? run_list : 0);
+    const int32_t count = cit_scan(unit.width, line, runs);
+    for (;;) {
+        const uint32_t result = specs->compression == TIF_CCITT_RLE ? cit_g3_line(w.encoder, runs, count)
+                                                                    : cit_g4_line(w.encoder, runs);
+        if (result == CIT_OK)
+            return 1;
+        if (result != CIT_NO_ROOM)
+            return rio_fail(file, RIO_WRITE_FAILED, "tifputbi");
+        if (!more_room(file, w))
+            return 0;
+    }
+}
+
+int tif_ccitt_end(RFILE *file, tif_specs *specs, int64_t *bytes)
+{
+    tif_writing &w = specs->unit;
+    for (;;) {
+        int64_t words = 0;
+        const uint32_t result = specs->compression == TIF_CCITT_RLE ? cit_g3_end(w.encoder, &words)
+                                                                    : cit_g4_end(w.encoder, &words);
+        if (result == CIT_OK) {
+            *bytes = 2 * words;
+            cit_reverse_bytes(w.out, *bytes);
+            return 1;
+        }
+        if (result != CIT_NO_ROOM)
+            return rio_fail(file, RIO_WRITE_FAILED, "tifputbi");
+        if (!more_room(file, w))
+            return 0;
+    }
+}
+
+void tif_free_writing(tif_writing *unit)
+{
+    for (uint8_t *rows : unit->rows)
+        mem_free(rows);
+    mem_free(unit->out);
+    mem_free(unit->runs);
+    lzw_free(&unit->lzw);
+    cit_encoder_free(unit->encoder);
+    *unit = {};
 }

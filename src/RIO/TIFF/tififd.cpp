@@ -359,8 +359,6 @@ void tif_free_specs(tif_specs *specs)
     for (uint32_t i = 0; i < specs->user_tag_count; i++)
         mem_free(specs->user_tags[i].values);
     mem_free(specs->user_tags);
-    for (uint8_t *buffer : specs->strip_buffer)
-        mem_free(buffer);
-    lzw_free(&specs->lzw);
+    tif_free_writing(&specs->unit);
     mem_free(specs);
 }
