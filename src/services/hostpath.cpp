@@ -303,7 +303,8 @@ int host_path_typed(const char *name, char *out, int size)
 
 int host_path_resolver(const char *name, char *out, int size)
 {
-    return host_path(name, out, size);
+    // A file that is yet to be made has a path as well.
+    return host_path(name, out, size) >= 0;
 }
 
 // --- from the host to the application ---------------------------------------------------------------------------

@@ -16,7 +16,7 @@ int host_path(const char *name, char *out, int size);
 // of the same letters in other cases was opened before.
 int host_path_typed(const char *name, char *out, int size);
 
-// Same as host_path, in the form the raster library takes as its resolver.
+// Same as host_path, in the form the raster library takes as its resolver: 1 also for a file that is yet to be made, 0 when there is no path.
 int host_path_resolver(const char *name, char *out, int size);
 
 // Makes an application path out of a host path from the command line or a drop: remembers its spelling, and shortens it to

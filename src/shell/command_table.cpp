@@ -18,10 +18,14 @@
 #include "services/ws.h"
 #include "shell/diagnostics.h"
 #include "shell/startup.h"
+#include "store/block_files.h"
 #include "store/image_path.h"
 #include "store/output_settings.h"
 #include "store/read_commands.h"
 #include "store/read_form.h"
+#include "store/save_image.h"
+#include "store/write_commands.h"
+#include "store/write_form.h"
 
 static void say_not_available(const char *keyword)
 {
@@ -80,23 +84,23 @@ command_row command_table[] = {
     COMMAND(set_mem_limit)
     COMMAND(set_tile_size)
     // writing images
-    AWAITED(save_image)
-    AWAITED(write_image)
-    AWAITED(write_bin)
-    AWAITED(write_bin_rect)
-    AWAITED(write_cot)
-    AWAITED(write_cot_rect)
-    AWAITED(write_cot_blocks)
-    AWAITED(write_rle)
-    AWAITED(write_rle_rect)
-    AWAITED(write_t29)
-    AWAITED(write_t29_rect)
-    AWAITED(write_raw)
-    AWAITED(write_raw_rect)
-    AWAITED(write_rgb)
-    AWAITED(write_rgb_rect)
-    AWAITED(write_rgb_single)
-    AWAITED(write_rgb_single_rect)
+    COMMAND(save_image)
+    COMMAND(write_image)
+    COMMAND(write_bin)
+    COMMAND(write_bin_rect)
+    COMMAND(write_cot)
+    COMMAND(write_cot_rect)
+    COMMAND(write_cot_blocks)
+    COMMAND(write_rle)
+    COMMAND(write_rle_rect)
+    COMMAND(write_t29)
+    COMMAND(write_t29_rect)
+    COMMAND(write_raw)
+    COMMAND(write_raw_rect)
+    COMMAND(write_rgb)
+    COMMAND(write_rgb_rect)
+    COMMAND(write_rgb_single)
+    COMMAND(write_rgb_single_rect)
     COMMAND(set_fwrite_range)
     COMMAND(set_fwrite_tile_size)
     COMMAND(set_fwrite_incr)

@@ -65,16 +65,6 @@ int grow_data(band_rec &band, uint32_t bytes)
     return 0;
 }
 
-void set_file_name(band_rec &band, const char *name)
-{
-    snprintf(band.file_name, BAND_NAME_SIZE, "%s", name ? name : "");
-    const char *stem = band.file_name;
-    for (const char *p = band.file_name; *p; p++)
-        if (*p == '/' || *p == '\\')
-            stem = p + 1;
-    snprintf(band.label, LABEL_TEXT + 1, "%s", stem);
-}
-
 // Area, size and increment of a band that is about to get its memory.
 void set_area(band_rec &band, int width, int height, int increment)
 {
@@ -111,6 +101,16 @@ bool any_window_shows(int band)
 int band_row_bytes(const band_rec *band)
 {
     return (band->format & KIND_MASK) == KIND_BIN ? int(((int64_t{band->x_size} + 15) >> 3) & ~int64_t{1}) : band->x_size;
+}
+
+void band_set_file_name(band_rec &band, const char *name)
+{
+    snprintf(band.file_name, BAND_NAME_SIZE, "%s", name ? name : "");
+    const char *stem = band.file_name;
+    for (const char *p = band.file_name; *p; p++)
+        if (*p == '/' || *p == '\\')
+            stem = p + 1;
+    snprintf(band.label, LABEL_TEXT + 1, "%s", stem);
 }
 
 int band_alloc(int n)
@@ -186,7 +186,7 @@ int band_create(int width, int height, int *increment, int kind, const char *nam
     band.image_id = 0;
     if (!band_alloc(n))
         return 0;
-    set_file_name(band, name);
+    band_set_file_name(band, name);
     band_reset_tables(n);
     return 1;
 }
@@ -225,7 +225,7 @@ int band_create_rgb(int width, int height, int *increment, int kind, const char 
         display_mode |= COLOR;
     const char *const names[3] = { name1, name2, name3 };
     for (int i = 0; i < 3; i++) {
-        set_file_name(bands[numbers[i]], names[i]);
+        band_set_file_name(bands[numbers[i]], names[i]);
         band_reset_tables(numbers[i]);
     }
     return 1;

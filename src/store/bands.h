@@ -6,6 +6,7 @@ int  band_alloc(int n);                // memory for x_size, y_size and format a
 int  band_alloc_rgb(int r, int g, int b);
 void band_free(int n);
 void band_reset_tables(int n);
+void band_set_file_name(band_rec &band, const char *name);   // and the label; null is empty
 int  band_row_bytes(const band_rec *band);  // bytes a row of `data`
 
 // Area of the file, increment in and out (below 1: the default), kind and name of the file. The number goes out in both cases.

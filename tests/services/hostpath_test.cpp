@@ -188,6 +188,10 @@ TEST_F(hostpath_test, TheResolverIsTheSameFunction)
     char out[80];
     EXPECT_EQ(host_path_resolver("MAP.TIF", out, sizeof out), 1);
     EXPECT_STREQ(out, "Map.tif");
+    // A file that is yet to be made has a path as well.
+    EXPECT_EQ(host_path_resolver(".\\yet_to_be_made.tif", out, sizeof out), 1);
+    EXPECT_STREQ(out, "yet_to_be_made.tif");
+    EXPECT_EQ(host_path_resolver("MAP.TIF", out, 3), 0);
 }
 
 // --- from the host
