@@ -51,12 +51,17 @@ def the_close_button_asks_about_changes(desk):
 
 
 def yes_saves_and_closes(desk):
+    """A portable pixmap is only read: saving asks for a name and a format, and may still be given up."""
     with own_scene(desk) as kestrel:
         change(kestrel)
         kestrel.click(*kestrel.frame(TITLE).close)
         wait_question(kestrel)
         answer(kestrel, "Yes")
+        kestrel.wait_form("Write Image", title=True)
+        kestrel.picture("write-image")
+        kestrel.key("Escape")
         kestrel.wait(lambda: not kestrel.captions(TITLE), "the window to go")
+        kestrel.check(not kestrel.form_texts("Write Image", title=True), "the form is gone")
 
 
 def esc_means_cancel(desk):
