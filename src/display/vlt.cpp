@@ -5,6 +5,7 @@
 
 #include "display/dither.h"
 #include "display/vmap.h"
+#include "enhance/slice_display.h"
 #include "shell/session.h"
 
 const uint8_t levels_for_planes[13] = { 0, 0, 0, 2, 2, 3, 4, 5, 6, 8, 10, 12, 16 };
@@ -144,6 +145,7 @@ static void program_shared_table(int planes, int levels, int step)
                 vlt_entries[i] = vlt_packed(i, named_colours[i]);
     }
     ws_write_vlt(screen_no, vlt_entries, vlt_count);
+    slice_write_table();
 }
 
 void vlt_program()

@@ -5,6 +5,7 @@
 #include "display/picture_windows.h"
 #include "display/vlt.h"
 #include "enhance/histogram.h"
+#include "enhance/slice_display.h"
 #include "shell/session.h"
 
 static bool colour_table_looks_up()
@@ -27,6 +28,7 @@ static void show_luts(uint32_t mask)
         reload_lut(mask);
     else
         paint_bands(mask);
+    slice_refresh();
 }
 
 void reload_lut(uint32_t mask)

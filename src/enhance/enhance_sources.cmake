@@ -1,0 +1,8 @@
+target_sources(kestrel_app PRIVATE
+  slice_chart.cpp
+  slice_commands.cpp
+  slice_define.cpp
+  slice_display.cpp
+  slice_map.cpp
+  slice_to_bands.cpp
+)
