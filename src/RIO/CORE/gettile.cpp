@@ -211,8 +211,8 @@ static int fill_strip(RFILE *file, int64_t line_bytes, int planes)
     rio_tiles *t = file->tiles;
     const int line = file->current_line;
     const int64_t rows = std::min(t->tile_height, file->height);
-    t->strip_bytes = rows * line_bytes;
-    if (!t->strip_cache || t->strip_planes != planes) {
+    if (!t->strip_cache || t->strip_planes != planes || t->strip_bytes != rows * line_bytes) {
+        t->strip_bytes = rows * line_bytes;
         mem_free(t->strip_cache);
         t->strip_cache = (uint8_t *)mem_alloc(size_t(t->strip_bytes * planes));
         t->strip_planes = planes;
@@ -248,7 +248,8 @@ int rio_getlinefromtile(RFILE *file, int count, uint8_t **lines)
     const int planes = step > 1 ? 1 : std::clamp<int>(file->samples_per_pixel, 1, MOST_PLANES);
     const int64_t bytes = rio_line_bytes(file) * step;
     const rio_tiles *t = file->tiles;
-    const bool held = t->strip_cache && t->strip_planes == planes && t->strip_first_line >= 0
+    const int64_t strip_bytes = std::min(t->tile_height, file->height) * bytes;
+    const bool held = t->strip_cache && t->strip_planes == planes && t->strip_bytes == strip_bytes && t->strip_first_line >= 0
                       && t->strip_first_line <= file->current_line
                       && file->current_line - t->strip_first_line < t->tile_height;
     if (!held && !fill_strip(file, bytes, planes))

@@ -227,7 +227,10 @@ static int set_size(RFILE *file, int key, const void *value)
 
 static int set_shape_number(RFILE *file, int key, const void *value)
 {
-    if (header_fixed(file))
+    const bool packed = key == RIO_KEY_BITS && file->data_type == RIO_TYPE_PACKED_RLE;
+    if (packed && (number(value) < 1 || number(value) > 16))
+        return rio_fail_status(file, RIO_BAD_VALUE, "rio_set_hdr_data");
+    if (header_fixed(file) && !packed)
         return 0;
     if (number(value) < 1 || number(value) > (key == RIO_KEY_SAMPLES ? 65535 : 128))
         return rio_fail_status(file, RIO_BAD_VALUE, "rio_set_hdr_data");
@@ -273,7 +276,9 @@ static int set_key(RFILE *file, int key, const void *value)
     const unsigned road = file->active_overview >= 0 && !answers_for_overview(key) ? 0 : road_of(key);
     if (!(road & (SET_CORE | SET_SLOT)))
         return rio_fail_status(file, RIO_BAD_FIELD, "rio_set_hdr_data");
-    if (!(road & SET_ON_READ) && !(file->access & RIO_ACCESS_CAN_WRITE))
+    // Packed runs do not tell their bits: who knows them says so after the open.
+    const bool bits_of_packed = key == RIO_KEY_BITS && file->data_type == RIO_TYPE_PACKED_RLE;
+    if (!(road & SET_ON_READ) && !bits_of_packed && !(file->access & RIO_ACCESS_CAN_WRITE))
         return rio_fail_status(file, RIO_NOT_WRITABLE, "rio_set_hdr_data");
     if (road & SET_CORE)
         return set_core(file, key, value);
@@ -438,6 +443,7 @@ int64_t rio_row_bytes(const RFILE *file, int64_t pixels)
     case RIO_TYPE_64B: return pixels * 8;
     case RIO_TYPE_128: return pixels * 16;
     case RIO_TYPE_BYTE_RLE: return file->flags & RIO_SAMPLES_16 ? pixels * 2 : pixels;
+    case RIO_TYPE_PACKED_RLE: return file->bits_per_sample > 8 ? pixels * 2 : pixels;
     default: return pixels;
     }
 }

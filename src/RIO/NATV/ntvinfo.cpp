@@ -128,11 +128,24 @@ static int32_t application_words(const RFILE *file)
     return int32_t(std::max<int64_t>(natv_u32(file, NATV_PACKET_WORDS) - natv_library_packet_words(file), 0));
 }
 
-// The count at byte 16 of the overview directory.
-static int32_t overview_count(const RFILE *file)
+// The active overview's, or the first one's.
+static int32_t overview_factor(const RFILE *file)
 {
-    const natv_packet &dir = natv(file)->overview_dir;
-    return dir.bytes && 2 * dir.words >= 20 ? le_i32(dir.bytes + 16) : 0;
+    const uint8_t *record = natv_overview_record(file, std::max(file->active_overview, 0));
+    return record ? le_u16(record + 8) : 0;
+}
+
+// One u32 a tile: the bytes used, with the top bit set on a solid tile.
+static int get_directory(const RFILE *file, void *value)
+{
+    if (!file->tiles)
+        return rio_answer(value, 0);
+    for (int64_t i = 0; i < natv_tile_count(file); i++) {
+        const natv_entry e = natv_get_entry(file, i);
+        const uint32_t word = (e.used & 0x7FFFFFFF) | (e.offset == 0 ? 0x80000000 : 0);
+        std::memcpy((uint8_t *)value + 4 * i, &word, sizeof word);
+    }
+    return 0;
 }
 
 // A header that nobody gave a matrix has zeros there, which stand for the identity; a ratio of zero stands for 1.
@@ -169,9 +182,9 @@ int natv_get_hdr_data(RFILE *file, int key, void *value)
     case RIO_KEY_PACKET_WORDS: return rio_answer(value, application_words(file));
     case RIO_KEY_SCANNABLE: return rio_answer(value, (file->flags & RIO_SCANNABLE) != 0);
     case RIO_KEY_HEADER_WORDS: return rio_answer(value, natv_u16(file, NATV_WORDS) + 2);
-    case RIO_KEY_TILE_DIRECTORY:
-        return file->flags & RIO_TILED ? rio_fail_status(file, RIO_UNSUPPORTED, "native tiles") : rio_answer(value, 0);
-    case RIO_KEY_OVERVIEW_COUNT: return rio_answer(value, overview_count(file));
+    case RIO_KEY_TILE_DIRECTORY: return get_directory(file, value);
+    case RIO_KEY_OVERVIEW_COUNT: return rio_answer(value, natv_overview_count(file));
+    case RIO_KEY_OVERVIEW_FACTOR: return rio_answer(value, overview_factor(file));
     case RIO_KEY_VLT_PAD: return rio_answer(value, vlt_pad(file));
     case RIO_KEY_PACKET_FREE: return rio_answer(value, packet_free(file));
     default: return rio_plain_get_hdr_data(file, key, value);
@@ -228,8 +241,25 @@ static int set_data_type(RFILE *file, int type)
 {
     if (!natv_is_data_type(type) || type == RIO_TYPE_TILED)
         return refuse_value(file);
+    // An overview is of its image's type.
+    if (file->active_overview >= 0)
+        return uint32_t(type) == file->data_type ? 0 : rio_fail_status(file, RIO_BAD_FIELD, "rio_set_hdr_data");
     file->data_type = natv(file)->data_type = uint32_t(type);
+    if (type == RIO_TYPE_PACKED_RLE) {
+        file->samples_per_pixel = 1;
+        file->bits_per_sample = std::min(file->bits_per_sample, 16);
+    }
     rio_set_shape(file, file->data_type);
+    return 0;
+}
+
+static int set_factor(RFILE *file, int factor)
+{
+    uint8_t *record = natv_overview_record(file, std::max(file->active_overview, 0));
+    if (!record)
+        return rio_fail_status(file, RIO_NO_OVERVIEW, "rio_set_hdr_data");
+    put_le_u16(record + 8, uint16_t(factor));
+    file->flags |= RIO_DIRECTORY_DIRTY;
     return 0;
 }
 
@@ -256,8 +286,25 @@ static int set_tiles(RFILE *file, int key, int size)
     const bool ccitt = file->data_type == RIO_TYPE_CCITT3 || file->data_type == RIO_TYPE_CCITT4;
     if (size < 0 || (ccitt ? size != 0 && size != 512 : size % 32 != 0))
         return rio_fail_status(file, RIO_BAD_TILE_SIZE, "rio_set_hdr_data");
+    // The tiles of what is on disk stay as they are; an overview that is yet to be written may still get its own.
+    if (file->flags & RIO_HEADER_DONE && (file->active_overview < 0 || (file->tiles && file->tiles->directory)))
+        return 0;
     const bool width_too = key == RIO_KEY_TILE_WIDTH || !file->tiles;
-    return rio_set_tile_size(file, width_too ? size : file->tiles->tile_width, size);
+    const int failed = rio_set_tile_size(file, width_too ? size : file->tiles->tile_width, size);
+    if (!failed)
+        natv_note_overview(file);
+    return failed;
+}
+
+static int set_size(RFILE *file)
+{
+    if (file->active_overview >= 0) {
+        natv_note_overview(file);
+        return 0;
+    }
+    natv_put_u32(file, NATV_WIDTH, file->width);
+    natv_put_u32(file, NATV_HEIGHT, file->height);
+    return 0;
 }
 
 // Values that the format cannot hold. 1 with RIO_BAD_VALUE.
@@ -289,15 +336,15 @@ int natv_set_hdr_data(RFILE *file, int key, const void *value)
     if (const header_key *k = find_key(key))
         return set_header_key(file, *k, value);
     switch (key) {
-    case RIO_KEY_WIDTH: natv_put_u32(file, NATV_WIDTH, file->width); return 0;
-    case RIO_KEY_HEIGHT: natv_put_u32(file, NATV_HEIGHT, file->height); return 0;
+    case RIO_KEY_WIDTH:
+    case RIO_KEY_HEIGHT: return set_size(file);
     case RIO_KEY_DATA_TYPE: return set_data_type(file, number(value));
     case RIO_KEY_PACKET_WORDS: return add_packet_words(file, number(value));
     case RIO_KEY_SCANNABLE: return set_scannable(file, number(value));
     case RIO_KEY_TILE_WIDTH:
     case RIO_KEY_TILE_HEIGHT: return set_tiles(file, key, number(value));
-    case RIO_KEY_OVERVIEW_COUNT:
-        return number(value) == 0 ? 0 : rio_fail_status(file, RIO_UNSUPPORTED, "native overviews");
+    case RIO_KEY_OVERVIEW_COUNT: return natv_set_overview_count(file, number(value));
+    case RIO_KEY_OVERVIEW_FACTOR: return set_factor(file, number(value));
     default: return 0;
     }
 }
@@ -313,7 +360,8 @@ int natv_get_stat(RFILE *file, rio_stat *stat)
     stat->scannable = (file->flags & RIO_SCANNABLE) != 0;
     stat->version = specs->header[NATV_VERSION];
     stat->application_type = natv_i16(file, NATV_APPLICATION_TYPE);
-    stat->overview_count = overview_count(file);
+    stat->overview_count = natv_overview_count(file);
+    stat->overview_factor = overview_factor(file);
     stat->vlt_type = natv_i16(file, NATV_VLT_TYPE);
     stat->vlt_entries = int32_t(natv_u32(file, NATV_VLT_ENTRIES));
     stat->vlt_pad = vlt_pad(file);

@@ -15,6 +15,9 @@ void natv_start_header(RFILE *file)
     natv_put_u16(file, NATV_DATA_TYPE, RIO_TYPE_BYTE);
     natv_put_u32(file, NATV_WIDTH, file->width);
     natv_put_u32(file, NATV_HEIGHT, file->height);
+    for (int i = 0; i < 4; i++)
+        put_le_f64(specs->header + NATV_TRANSFORM + 5 * 8 * i, 1.0);
+    put_le_f64(specs->header + NATV_ASPECT_RATIO, 1.0);
     specs->header[NATV_ORIENTATION] = 4;
     specs->header[NATV_VERSION] = NATV_VERSION_WRITTEN;
 }
@@ -28,6 +31,10 @@ void natv_free_specs(RFILE *file)
     mem_free(specs->overview_dir.bytes);
     mem_free(specs->jpeg_packet.bytes);
     mem_free(specs->encode_buffer);
+    mem_free(specs->feed);
+    mem_free(specs->wide_vlt);
+    if (file->flags & RIO_PACKET_OWNED)
+        mem_free((void *)specs->packet_buffer);
 }
 
 static int natv_init_std_hdr(RFILE *file, RFILE *target)
@@ -42,30 +49,46 @@ static int64_t natv_get_image_offset(RFILE *file) { return file->image_offset; }
 
 static constexpr rio_ops natv_ops = [] {
     rio_ops ops {};
-    ops.getline = rio_common_getline;
+    ops.getline = natv_getline;
     ops.get_line = natv_get_line;
+    ops.getline16 = natv_getline16;
+    ops.get_line16 = natv_get_line16;
     ops.getlinefromtile = rio_getlinefromtile;
-    ops.putline = rio_common_putline;
+    ops.getrleline = natv_get_rle_line;
+    ops.getrlestrip = natv_get_rle_line;
+    ops.getline_interleaved = natv_get_interleaved;
+    ops.putline = natv_putline;
     ops.put_line = natv_put_line;
+    ops.putline16 = natv_putline16;
+    ops.put_line16 = natv_put_line16;
+    ops.putrleline = natv_put_rle_line;
+    ops.putline_interleaved = natv_put_interleaved;
+    ops.gettile = natv_get_tile;
+    ops.puttile = natv_put_tile;
+    ops.gettile16 = natv_get_tile16;
+    ops.puttile16 = natv_put_tile16;
+    ops.getrletile = natv_get_rle_tile;
+    ops.putrletile = natv_put_rle_tile;
     ops.get_hdr_data = natv_get_hdr_data;
     ops.set_hdr_data = natv_set_hdr_data;
     ops.get_stat = natv_get_stat;
     ops.set_stat = natv_set_stat;
-    ops.get_vlt = rio_plain_get_vlt;
+    ops.get_vlt = natv_get_vlt;
     ops.get_format = rio_plain_get_format;
     ops.get_packet = natv_get_packet;
     ops.put_packet = natv_put_packet;
     ops.copydata = rio_copy_lines;
     ops.init_std_hdr = natv_init_std_hdr;
+    ops.init_ov = natv_init_ov;
     ops.setactiveov = natv_set_active_ov;
     ops.wrt_hdr = natv_write_header;
     ops.seek = natv_seek;
-    ops.get_image_count = rio_single_get_image_count;
-    ops.set_image_count = rio_single_set_image_count;
-    ops.set_active_image = rio_single_set_active_image;
-    ops.randomize = rio_plain_randomize;
+    ops.get_image_count = natv_get_image_count;
+    ops.set_image_count = natv_set_image_count;
+    ops.set_active_image = natv_set_active_image;
+    ops.randomize = natv_randomize;
     ops.rewind = natv_rewind;
-    ops.close = rio_plain_close;
+    ops.close = natv_close_image;
     ops.free_specs = natv_free_specs;
     ops.get_image_offset = natv_get_image_offset;
     return ops;

@@ -55,12 +55,14 @@ int natv_check_header(RFILE *file, const char *name)
     return 1;
 }
 
-// Flags and record fields that the header fixes.
-static int take_header(RFILE *file)
+int natv_take_header(RFILE *file)
 {
     natv_specs *specs = natv(file);
     const uint32_t width = natv_u32(file, NATV_WIDTH), height = natv_u32(file, NATV_HEIGHT);
     specs->data_type = uint32_t(natv_i16(file, NATV_DATA_TYPE));
+    // Packed runs do not tell their bits: key 507 may.
+    file->samples_per_pixel = 1;
+    file->bits_per_sample = 8;
     rio_set_shape(file, specs->data_type);
     if (!rio_size_valid(width, height, file->samples_per_pixel, file->bits_per_sample))
         return rio_fail(file, RIO_BAD_SIZE, "NATV");
@@ -84,7 +86,7 @@ RFILE *natv_open_r(RFILE *file, const char *name)
     natv_start_header(file);
     if (rio_read(file, specs->header, NATV_HEADER_BYTES) <= 0)
         return rio_fail_open(file, RIO_NOT_STANDARD, "NATV");
-    if (!natv_check_header(file, name) || !take_header(file)) {
+    if (!natv_check_header(file, name) || !natv_take_header(file)) {
         rio_discard(file);
         return nullptr;
     }

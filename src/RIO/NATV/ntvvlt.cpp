@@ -19,24 +19,41 @@ static int load_byte_table(RFILE *file)
     return rio_read_at(file, file->image_offset + NATV_SHORT_HEADER_BYTES, file->vlt, TABLE_BYTES);
 }
 
-// Type 2: entries with their own index, of which the low 8 bits count, and intensities of which the high 8 bits do.
+// Type 2: entries with their own index, of which the low 8 bits count, and intensities of which the high 8 bits do. The
+// whole intensities are kept for those who ask for the table.
 static int load_word_table(RFILE *file, int entries)
 {
     uint8_t table[int{ NATV_MOST_ENTRIES } * ENTRY_BYTES];
     if (!rio_read_at(file, file->image_offset + NATV_HEADER_BYTES, table, int64_t{ ENTRY_BYTES } * entries))
         return 0;
+    auto *wide = natv(file)->wide_vlt = (uint16_t(*)[3])mem_calloc(RIO_VLT_SIZE, 3 * sizeof(uint16_t));
     for (int i = 0; i < entries; i++) {
         const uint8_t *entry = table + ENTRY_BYTES * i;
         uint8_t *rgb = file->vlt + 3 * (le_u16(entry) % RIO_VLT_SIZE);
         rgb[0] = entry[3];
         rgb[1] = entry[5];
         rgb[2] = entry[7];
+        if (wide)
+            for (int s = 0; s < 3; s++)
+                wide[le_u16(entry) % RIO_VLT_SIZE][s] = le_u16(entry + 2 + 2 * s);
     }
     return 1;
 }
 
+int natv_get_vlt(RFILE *file, rio_vlt_entry *entries)
+{
+    const auto *wide = natv(file)->wide_vlt;
+    if (!file->vlt || !wide)
+        return rio_plain_get_vlt(file, entries);
+    for (int i = 0; i < RIO_VLT_SIZE; i++)
+        entries[i] = { uint16_t(i), wide[i][0], wide[i][1], wide[i][2] };
+    return 0;
+}
+
 void natv_load_vlt(RFILE *file)
 {
+    mem_free(natv(file)->wide_vlt);
+    natv(file)->wide_vlt = nullptr;
     const int type = natv_i16(file, NATV_VLT_TYPE);
     if (type == 1)
         natv_put_u32(file, NATV_VLT_ENTRIES, RIO_VLT_SIZE);
@@ -102,9 +119,14 @@ static int walk_packets(RFILE *file, bool overviews_only)
         if (!rio_read_at(file, at, head, NATV_PACKET_HEAD))
             return 1;
         const int64_t words = 4 + int64_t{ le_u32(head + 4) };
+        const packet_kind kind = kind_of(head);
+        // Files are about whose header counts the overview directory in 32-bit words.
+        if (words > left && kind == PACKET_OVERVIEWS && words == 2 * left) {
+            left = words;
+            natv_put_u32(file, NATV_PACKET_WORDS, natv_u32(file, NATV_PACKET_WORDS) + words / 2);
+        }
         if (words > left)
             return 1;
-        const packet_kind kind = kind_of(head);
         if (kind == PACKET_OVERVIEWS) {
             if (!load_packet(file, head, words, &specs->overview_dir))
                 return 0;
@@ -182,6 +204,44 @@ int natv_get_packet(RFILE *file, void *packet)
 
 int natv_put_packet(RFILE *file, const void *packet)
 {
+    if (file->flags & RIO_PACKET_OWNED)
+        mem_free((void *)natv(file)->packet_buffer);
+    file->flags &= ~uint32_t(RIO_PACKET_OWNED);
     natv(file)->packet_buffer = (const uint8_t *)packet;
     return 0;
+}
+
+int natv_strip_packets(RFILE *file)
+{
+    natv_specs *specs = natv(file);
+    const int64_t offset = natv_u32(file, NATV_PACKET_OFFSET);
+    int64_t left = natv_u32(file, NATV_PACKET_WORDS) - natv_library_packet_words(file), used = 0;
+    if (specs->packet_buffer || left < 4 || offset == 0 || !(file->flags & RIO_HEADER_DONE))
+        return 1;
+    if (file->image_offset + offset + 2 * left > rio_file_size(file))
+        return rio_fail(file, RIO_READ_FAILED, "NATV packets");
+    uint8_t *kept = (uint8_t *)mem_alloc(size_t(2 * left));
+    if (!kept)
+        return rio_fail(file, RIO_NO_MEMORY, "NATV packets");
+    const int64_t position = rio_byte_tell(file);
+    int64_t at = file->image_offset + offset, walk = natv_u32(file, NATV_PACKET_WORDS);
+    while (walk >= 4) {
+        uint8_t head[NATV_PACKET_HEAD];
+        const int64_t words = rio_read_at(file, at, head, NATV_PACKET_HEAD) ? 4 + int64_t{ le_u32(head + 4) } : walk + 1;
+        const bool stays = words <= walk && kind_of(head) != PACKET_OVERVIEWS && kind_of(head) != PACKET_JPEG
+                           && !(le_u16(head) == 2 && le_u16(head + 2) == 13);
+        if (words > walk || (stays && (used + words > left || !rio_read_at(file, at, kept + 2 * used, 2 * words)))) {
+            mem_free(kept);
+            return rio_fail(file, RIO_READ_FAILED, "NATV packets");
+        }
+        used += stays ? words : 0;
+        at += 2 * words;
+        walk -= words;
+    }
+    rio_byte_seek(file, position);
+    specs->packet_buffer = kept;
+    specs->packet_buffer_words = used;
+    file->flags |= RIO_PACKET_OWNED;
+    natv_put_u32(file, NATV_PACKET_WORDS, natv_library_packet_words(file) + used);
+    return 1;
 }

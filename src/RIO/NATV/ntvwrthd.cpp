@@ -57,7 +57,9 @@ static int settle_header(RFILE *file)
     natv_specs *specs = natv(file);
     const bool done = file->flags & RIO_HEADER_DONE;
     const int64_t old_words = natv_u16(file, NATV_WORDS);
-    natv_put_u16(file, NATV_DATA_TYPE, int(file->data_type));
+    const bool overview = file->active_overview >= 0;
+    if (!overview)
+        natv_put_u16(file, NATV_DATA_TYPE, file->flags & RIO_TILED ? int{ RIO_TYPE_TILED } : int(file->data_type));
     int64_t words = NATV_DEFAULT_WORDS + settle_vlt(file, file->vlt_entries || file->vlt);
     if (!check_jpeg_size(file))
         return 0;
@@ -70,8 +72,12 @@ static int settle_header(RFILE *file)
     }
     words += specs->data_start_words;
     specs->header[NATV_FLAGS] = file->flags & RIO_SCANNABLE ? 1 : 0;
-    natv_put_u32(file, NATV_WIDTH, file->width);
-    natv_put_u32(file, NATV_HEIGHT, file->height);
+    if (!overview) {
+        natv_put_u32(file, NATV_WIDTH, file->width);
+        natv_put_u32(file, NATV_HEIGHT, file->height);
+    }
+    if (file->flags & RIO_TILED)
+        specs->header[NATV_VERSION] = NATV_VERSION_WRITTEN;
     if ((done && words > old_words) || words > MOST_WORDS)
         return rio_fail(file, RIO_HEADER_FULL, "NATV");
     // The pixels of an existing file stay where they are.
@@ -147,11 +153,9 @@ int natv_write_header(RFILE *file)
 {
     if (!(file->access & RIO_ACCESS_CAN_WRITE))
         return rio_fail_status(file, RIO_NOT_WRITABLE, "natv_write_header");
-    if (file->flags & RIO_TILED)
-        return rio_fail_status(file, RIO_UNSUPPORTED, "native tiles");
     if (!rio_size_valid(file->width, file->height, file->samples_per_pixel, file->bits_per_sample))
         return rio_fail_status(file, RIO_BAD_SIZE, "natv_write_header");
-    if (file->data_type == RIO_TYPE_BYTE_RLE)
+    if (file->data_type == RIO_TYPE_BYTE_RLE && !(file->flags & RIO_TILED))
         file->flags |= RIO_SCANNABLE;
     if (!settle_header(file))
         return 1;
@@ -159,7 +163,11 @@ int natv_write_header(RFILE *file)
     if (!rio_write_at(file, file->image_offset, natv(file)->header, bytes) || !write_vlt(file) || !write_packets(file)
         || !rio_byte_seek(file, natv_data_start(file)))
         return rio_fail_status(file, RIO_WRITE_FAILED, "natv_write_header");
+    // The tile directory leads the data. An existing one stays.
+    if (file->flags & RIO_TILED && !(file->flags & RIO_HEADER_DONE) && !natv_make_directory(file))
+        return 1;
     file->current_line = 0;
     file->flags |= RIO_HEADER_DONE;
+    file->flags &= ~uint32_t(RIO_DIRECTORY_DIRTY);
     return 0;
 }

@@ -157,7 +157,7 @@ TEST_F(NativeLines, AFileIsWrittenAndReadThroughOneRecord)
     rio_close(file);
 }
 
-TEST_F(NativeLines, WhatIsNotBuiltFailsAtTheLineAndKeysStillAnswer)
+TEST_F(NativeLines, CodedLinesThatAreNotThereFailAndKeysStillAnswer)
 {
     for (int type : { 9, 10, 25, 26, 27, 29, 67 }) {
         RFILE *file = open(native_header(4, 2, type));
@@ -165,6 +165,9 @@ TEST_F(NativeLines, WhatIsNotBuiltFailsAtTheLineAndKeysStillAnswer)
         int32_t value = 0;
         EXPECT_EQ(rio_get_hdr_data(file, RIO_KEY_DATA_TYPE, &value), 0);
         EXPECT_EQ(value, type);
+        uint8_t line[4];
+        EXPECT_EQ(rio_getline(file, line), 1) << type;
+        EXPECT_EQ(rio_errno, RIO_READ_FAILED) << type;
         rio_close(file);
     }
 }
@@ -240,7 +243,10 @@ TEST_F(NativeLines, TiledFilesOpenAndAnswerTheirTileSize)
     put_le_u16(&head[2], 7);
     put_le_u16(&head[18], 2);
     put_le_u32(&head[120], 64);
+    put_le_u32(&head[4], 60 + 6 * 4);           // four tiles of three u32
     tiled.insert(tiled.end(), head.begin(), head.end());
+    tiled.resize(tiled.size() + 4 * 12, 0);
+    put_le_u32(&tiled[1024 + 128 + 12 + 8], 77);    // the second tile is solid
     RFILE *file = open(tiled);
     ASSERT_TRUE(file);
     int32_t value = 0;
@@ -250,8 +256,10 @@ TEST_F(NativeLines, TiledFilesOpenAndAnswerTheirTileSize)
     EXPECT_EQ(value, 2);
     EXPECT_EQ(rio_get_hdr_data(file, RIO_KEY_DATA_TYPE, &value), 0);
     EXPECT_EQ(value, 2);
-    bytes line(100);
-    EXPECT_EQ(rio_getline(file, line.data()), 1);
+    bytes line(100, 9);
+    EXPECT_EQ(rio_getline(file, line.data()), 0);
+    EXPECT_EQ(bytes(line.begin(), line.begin() + 64), bytes(64, 0));
+    EXPECT_EQ(bytes(line.begin() + 64, line.end()), bytes(36, 77));
     rio_close(file);
     tiled[1024] = 2;
     EXPECT_EQ(open(tiled), nullptr);
