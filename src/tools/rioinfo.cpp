@@ -2,6 +2,7 @@
 // tiles. Exit status: 0 all files were shown, 1 one could not be opened, 2 wrong usage.
 #include "RIO/rio.h"
 #include "mem.h"
+#include "tools/refusals.h"
 #include <cstdio>
 #include <cstring>
 #include <getopt.h>
@@ -68,31 +69,9 @@ static const char *orientation_name(int32_t orientation)
     return orientation >= 0 && orientation < 8 ? names[orientation] : "unknown";
 }
 
-// What went wrong, in an operator's words.
 static void print_failure(const char *name, uint32_t code)
 {
-    struct sentence {
-        uint32_t code;
-        const char *text;
-    };
-    static constexpr sentence sentences[] = {
-        { 0, "this file is not opened by itself" },
-        { RIO_OPEN_FAILED, "cannot be opened" },
-        { RIO_READ_FAILED, "cannot be read as a raster file" },
-        { RIO_NOT_STANDARD, "does not follow its format" },
-        { RIO_NOT_STANDARD2, "does not follow its format" },
-        { RIO_BAD_SIZE, "image size is invalid" },
-        { RIO_NO_MEMORY, "out of memory" },
-        { RIO_NO_IMAGE, "holds no such image" },
-        { RIO_UNSUPPORTED, "format or feature is not supported" },
-        { RIO_PAST_END, "ends too early" },
-    };
-    for (const sentence &s : sentences)
-        if (s.code == code) {
-            fprintf(stderr, "rioinfo: %s: %s\n", name, s.text);
-            return;
-        }
-    fprintf(stderr, "rioinfo: %s: contains features that are not supported (0x%08X)\n", name, code);
+    fprintf(stderr, "rioinfo: %s: %s\n", name, failure_text(code));
 }
 
 // ---- one file ------------------------------------------------------------------------------------------------------------
@@ -192,9 +171,9 @@ static int check_lines(RFILE *file, const char *name)
 
 static int show_file(const char *name, const options &wanted)
 {
-    RFILE *file = rio_open_r(name);
+    RFILE *file = names_memory(name) ? nullptr : rio_open_r(name);
     if (!file) {
-        print_failure(name, rio_errno);
+        print_failure(name, names_memory(name) ? uint32_t{ RIO_OPEN_FAILED } : rio_errno);
         return STATUS_FILE;
     }
     const int32_t format = key(file, RIO_KEY_FORMAT), images = key(file, RIO_KEY_IMAGES);

@@ -78,6 +78,7 @@ short = put("short.pgm", b"P5 3 2 255\nabcd")
 expect("a short file", ["--check", short], 1, None, "rioinfo: %s: line 1 of 2 cannot be read\n" % short)
 expect("a whole file", ["-e", gray], 0, gray_text)
 
+expect("an address in memory", ["/INMEM/4096"], 1, "", "rioinfo: /INMEM/4096: cannot be opened\n")
 expect("no file", [], 2, "", "rioinfo: no file given\nTry 'rioinfo --help' for more information.\n")
 expect("an unknown option", ["--wrong", gray], 2, "", None)
 expect("help", ["--help"], 0, None)
