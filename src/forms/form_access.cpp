@@ -29,6 +29,14 @@ static int replace_text(char **place, const char *text)
     return 1;
 }
 
+void form_set_canvas(form *f, const form_canvas *canvas, void *data)
+{
+    if (!f)
+        return;
+    f->canvas = canvas ? *canvas : form_canvas {};
+    f->canvas_data = data;
+}
+
 void form_set_name(form *f, int label, const char *name)
 {
     gadget *const g = form_gadget(f, label);

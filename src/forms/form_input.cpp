@@ -268,6 +268,8 @@ static void release(form *f, int x, int y)
 void input_motion(form *f, int x, int y)
 {
     gadget *const g = f->held;
+    if (f->canvas.motion && !g && f->canvas.motion(f->window, x, y, f->canvas_data))
+        return;
     if (!g || f->answer != FORM_STAY)
         return;
     const int inside = rect_contains(gadget_rect(f, g), x, y);
@@ -299,6 +301,8 @@ void input_button(form *f, int x, int y, int button, int transition, uint32_t ti
     if (button == RESET_BUTTON) {
         if (transition != WS_UP)
             input_cancel(f);
+    } else if (f->canvas.button && !f->held && f->canvas.button(f->window, x, y, button, transition, f->canvas_data)) {
+        return;
     } else if (transition == WS_UP) {
         release(f, x, y);
     } else if (transition == WS_DOWN) {

@@ -23,6 +23,8 @@ struct form {
     int collapsed;                     // an ordinary window was seen as an icon
     int x, y, pixel_width, pixel_height;   // on the frame, title band included
     int band;                          // height of the title band in pixels, 0 in an ordinary window
+    form_canvas canvas;                // all null: it has none
+    void *canvas_data;
     form_notify notify;
     void *data;
     int answer;                        // FORM_STAY while it goes on

@@ -148,6 +148,14 @@ void form_size_for_text(form *f, double *width_out, double *height_out, const ch
 // that ended it, 0 for Esc with no cancel gadget; it is left alone when the form could not be shown.
 int form_run(form *f, int x, int y, form_notify notify, void *data, int *last_out);
 
+// A form may paint places of its own and take the pointer there. Coordinates are pixels of the form's window.
+struct form_canvas {
+    void (*draw)(int window, void *data);      // after all gadgets have been drawn
+    int  (*button)(int window, int x, int y, int button, int transition, void *data);  // 1: taken, 0: left to the gadgets
+    int  (*motion)(int window, int x, int y, void *data);                              // the same
+};
+void form_set_canvas(form *f, const form_canvas *canvas, void *data);  // copies; null takes it away
+
 // A running form may be taken off the screen for a while (to point at an image) and put back.
 void form_hide(form *f);
 void form_unhide(form *f);

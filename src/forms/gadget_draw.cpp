@@ -327,5 +327,7 @@ void form_draw(const form *f)
         for (int i = 0; i < f->gadget_count; i++)
             if (!f->gadgets[i]->hidden && (f->gadgets[i]->kind == GADGET_GROUP) == (pass == 0))
                 draw_kind(f, f->gadgets[i]);
+    if (f->canvas.draw)
+        f->canvas.draw(f->window, f->canvas_data);
     ws_flush(f->window);
 }

@@ -15,6 +15,8 @@
 #include "display/window_commands.h"
 #include "enhance/contrast_commands.h"
 #include "enhance/histogram.h"
+#include "enhance/slice_commands.h"
+#include "enhance/tune.h"
 #include "services/ws.h"
 #include "shell/diagnostics.h"
 #include "shell/startup.h"
@@ -129,7 +131,7 @@ command_row command_table[] = {
     { "num_planes", num_planes_command, 0, 0, 0 },
     COMMAND(eight_planes)
     COMMAND(nine_planes)
-    AWAITED(show_reserved)
+    COMMAND(show_reserved)
     COMMAND(linearize)
     COMMAND(test_gamma)
     // windows
@@ -185,22 +187,22 @@ command_row command_table[] = {
     COMMAND(enable_recursion)
     COMMAND(disable_recursion)
     // tune
-    AWAITED(tune)
+    COMMAND(tune)
     // density slice
-    AWAITED(define_density_slice)
-    AWAITED(spectrum12_full)
-    AWAITED(spectrum12_clip)
-    AWAITED(spectrum6_full)
-    AWAITED(spectrum6_clip)
-    AWAITED(ramp12_full)
-    AWAITED(ramp12_clip)
-    AWAITED(ramp6_full)
-    AWAITED(ramp6_clip)
-    AWAITED(density_slice_on)
-    AWAITED(density_slice_off)
-    AWAITED(reset_density_slice)
-    AWAITED(density_slice_to_3_bands)
-    AWAITED(density_slice_color_edit)
+    COMMAND(define_density_slice)
+    COMMAND(spectrum12_full)
+    COMMAND(spectrum12_clip)
+    COMMAND(spectrum6_full)
+    COMMAND(spectrum6_clip)
+    COMMAND(ramp12_full)
+    COMMAND(ramp12_clip)
+    COMMAND(ramp6_full)
+    COMMAND(ramp6_clip)
+    COMMAND(density_slice_on)
+    COMMAND(density_slice_off)
+    COMMAND(reset_density_slice)
+    COMMAND(density_slice_to_3_bands)
+    COMMAND(density_slice_color_edit)
     // undo
     AWAITED(undo)
     AWAITED(toggle_undo)

@@ -11,6 +11,7 @@
 #include "display/paint.h"
 #include "display/picture_windows.h"
 #include "display/vlt.h"
+#include "enhance/tune.h"
 #include "forms/forms.h"
 #include "services/hostpath.h"
 #include "services/ws.h"
@@ -256,6 +257,7 @@ void main_end()
     paint_reset();
     vlt_forget();
     read_form_end();
+    tune_forget();
     forms_exit();
     ws_exit();
 }
