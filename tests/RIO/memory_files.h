@@ -91,7 +91,9 @@ inline int read_through(const bytes &content)
     const int64_t w = key_of(file, RIO_KEY_WIDTH), h = key_of(file, RIO_KEY_HEIGHT);
     int lines = 0;
     if (w > 0 && w < 1 << 24) {
-        bytes planes[3] = { bytes(size_t(w) + 2), bytes(size_t(w) + 2), bytes(size_t(w) + 2) };
+        const int bits = key_of(file, RIO_KEY_BITS);
+        const size_t row = size_t(w) * (bits > 16 ? 4 : bits > 8 ? 2 : 1) + 2;
+        bytes planes[3] = { bytes(row), bytes(row), bytes(row) };
         while (lines < h && rio_getline_rgb(file, planes[0].data(), planes[1].data(), planes[2].data()) == 0)
             lines++;
     }

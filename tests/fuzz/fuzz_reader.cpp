@@ -45,6 +45,8 @@ static int make_room(RFILE *file, line_room *room)
     room->row = packed ? (width + 15) / 16 * 2 : width * ((bits + 7) / 8);
     if (key(file, RIO_KEY_IMAGE_CLASS) == int32_t(RIO_TYPE_16))
         room->row = width * 2;
+    if (key(file, RIO_KEY_IMAGE_CLASS) == int32_t(RIO_TYPE_32))
+        room->row = width * 4;
     room->bytes.reset(static_cast<uint8_t *>(mem_alloc(size_t(room->row * PLANES))));
     for (int i = 0; i < PLANES; i++)
         room->planes[i] = room->bytes.get() + i * room->row;
