@@ -36,9 +36,10 @@ static void ask_keys(RFILE *file)
 }
 
 // Room for a line of the active image in each plane, sized as a caller would, to the byte: a sanitizer sees one too many.
-static int make_room(RFILE *file, line_room *room)
+// An overview is not asked for its bits: they are its image's.
+static int make_room(RFILE *file, int64_t bits, line_room *room)
 {
-    const int64_t width = key(file, RIO_KEY_WIDTH), bits = key(file, RIO_KEY_BITS);
+    const int64_t width = key(file, RIO_KEY_WIDTH);
     if (width < 1 || width > WIDEST || bits < 1 || bits > 128)
         return 0;
     const bool packed = bits == 1 && key(file, RIO_KEY_IMAGE_CLASS) == RIO_CLASS_BILEVEL;
@@ -53,10 +54,10 @@ static int make_room(RFILE *file, line_room *room)
     return room->bytes != nullptr;
 }
 
-static void read_lines(RFILE *file)
+static void read_lines(RFILE *file, int64_t bits)
 {
     line_room room;
-    if (!make_room(file, &room))
+    if (!make_room(file, bits, &room))
         return;
     const int height = key(file, RIO_KEY_HEIGHT);
     const int lines = int(std::min<int64_t>(height, MOST_BYTES / room.row + 1));
@@ -109,13 +110,14 @@ static void read_tiles(RFILE *file)
 static void read_image(RFILE *file)
 {
     ask_keys(file);
-    read_lines(file);
+    const int64_t bits = key(file, RIO_KEY_BITS);
+    read_lines(file, bits);
     read_runs(file);
     read_tiles(file);
     const int overviews = std::min(key(file, RIO_KEY_OVERVIEW_COUNT), 4);
     for (int i = 0; i < overviews; i++)
         if (rio_set_active_ov(file, i) == 0)
-            read_lines(file);
+            read_lines(file, bits);
     if (overviews > 0)
         rio_set_active_ov(file, -1);
 }

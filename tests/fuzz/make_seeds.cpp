@@ -11,7 +11,7 @@
 static constexpr int KEY_COMPRESSION = 501;
 
 struct seed {
-    int type, compression, tile, colours;
+    int type, compression, tile, colours, headed = 0, overviews = 0, images = 1;
 };
 
 // Everything that a format may hold; what it cannot is left out.
@@ -23,14 +23,45 @@ static constexpr seed seeds[] = {
     { RIO_TYPE_RGB_BYTE_RUN, 0, 0, 0 }, { RIO_TYPE_RGB_BYTE_RUN, 7, 0, 0 }, { RIO_TYPE_RGB_BYTE_RUN, 2, 0, 0 },
     { RIO_TYPE_RGB, 0, 0, 0 },          { RIO_TYPE_BITMAP, 7, 0, 0 },      { RIO_TYPE_BYTE, 0, 32, 0 },
     { RIO_TYPE_BYTE_RUN, 0, 32, 1 },    { RIO_TYPE_RGB, 0, 32, 0 },        { RIO_TYPE_BITMAP_RLE, 0, 32, 0 },
+    { RIO_TYPE_CCITT3, 0, 0, 0 },       { RIO_TYPE_4, 0, 0, 0 },           { RIO_TYPE_4_BYTE_RUN, 0, 32, 0 },
+    // Lines with headers, overviews, several images.
+    { RIO_TYPE_BYTE, 0, 0, 0, 1 },      { RIO_TYPE_BITMAP_RLE, 0, 0, 0, 1 }, { RIO_TYPE_BYTE_RUN, 0, 0, 0, 1 },
+    { RIO_TYPE_RGB_RLE, 0, 0, 0, 1 },   { RIO_TYPE_RGB_BYTE_RUN, 0, 32, 0, 1 }, { RIO_TYPE_PACKED_RLE, 0, 0, 0, 1 },
+    { RIO_TYPE_BYTE, 0, 0, 0, 0, 2 },   { RIO_TYPE_BYTE_RUN, 0, 32, 2, 0, 2 }, { RIO_TYPE_RGB, 0, 0, 0, 0, 0, 3 },
 };
 
 static int set_key(RFILE *file, int key, int32_t value) { return rio_set_hdr_data(file, key, &value); }
 
-// A picture of 37 x 35: two tiles each way, odd lines, runs and noise.
+enum { WIDTH = 37, HEIGHT = 35, PLANES = 4 };
+
+// Odd lines, runs and noise. 0; 1 when a line is refused.
+static int put_lines(RFILE *file, int samples, int height)
+{
+    for (int y = 0; y < height; y++) {
+        uint16_t planes[PLANES][WIDTH];
+        const void *lines[PLANES];
+        for (int p = 0; p < PLANES; p++) {
+            lines[p] = planes[p];
+            for (int x = 0; x < WIDTH; x++)
+                planes[p][x] = uint16_t(x < 12 ? 0 : x < 24 ? y / 8 * 9 + p : (x * 31 + y * 17 + p * 5) * 259);
+        }
+        if (rio_putline_planes(file, samples, lines) || rio_errno)
+            return 1;
+    }
+    return 0;
+}
+
+static int put_overview(RFILE *file, int samples, int n, int tile)
+{
+    return rio_set_active_ov(file, n) || set_key(file, RIO_KEY_WIDTH, WIDTH / 2) || set_key(file, RIO_KEY_HEIGHT, HEIGHT / 2)
+           || set_key(file, RIO_KEY_TILE_WIDTH, tile) || put_lines(file, samples, HEIGHT / 2);
+}
+
+// A picture of 37 x 35: two tiles each way.
 static int write_seed(const char *name, int format, const seed &s)
 {
-    enum { WIDTH = 37, HEIGHT = 35 };
+    if (format != RIO_FORMAT_NATV && (s.headed || s.overviews || s.images > 1))
+        return 0;
     RFILE *file = rio_open_w(name);
     if (!file)
         return 0;
@@ -45,16 +76,17 @@ static int write_seed(const char *name, int format, const seed &s)
     if (!failed && s.colours)
         failed = set_key(file, RIO_KEY_VLT_TYPE, s.colours) || set_key(file, RIO_KEY_VLT_ENTRIES, RIO_VLT_SIZE)
                  || rio_put_vlt(file, colours.data());
-    for (int y = 0; !failed && y < HEIGHT; y++) {
-        uint16_t planes[3][WIDTH];
-        for (int x = 0; x < WIDTH; x++)
-            for (int p = 0; p < 3; p++)
-                planes[p][x] = uint16_t(x < 12 ? 0 : x < 24 ? y / 8 * 9 + p : (x * 31 + y * 17 + p * 5) * 259);
-        int32_t samples = 1;
-        rio_get_hdr_data(file, RIO_KEY_SAMPLES, &samples);
-        failed = (samples == 3 ? rio_putline_rgb(file, planes[0], planes[1], planes[2]) : rio_putline(file, planes[0]))
-                 || rio_errno;
-    }
+    if (!failed && s.headed)
+        failed = set_key(file, RIO_KEY_SCANNABLE, 1);
+    if (!failed && s.overviews)
+        failed = set_key(file, RIO_KEY_OVERVIEW_COUNT, s.overviews);
+    int32_t samples = 1;
+    rio_get_hdr_data(file, RIO_KEY_SAMPLES, &samples);
+    failed = failed || put_lines(file, samples, HEIGHT);
+    for (int n = 0; !failed && n < s.overviews; n++)
+        failed = put_overview(file, samples, n, s.tile);
+    for (int n = 1; !failed && n < s.images; n++)
+        failed = rio_set_active_image(file, n) || put_lines(file, samples, HEIGHT);
     rio_close(file);
     return !failed;
 }

@@ -129,7 +129,8 @@ static int enter_image(RFILE *file, int image, int64_t at, const uint8_t *header
     file->current_image = image;
     file->image_offset = at;
     std::memcpy(specs->header, header, NATV_HEADER_BYTES);
-    file->flags &= ~uint32_t(RIO_SCANNABLE | RIO_MULTI_IMAGE);
+    // The last image of a chain is one of several as well.
+    file->flags &= ~uint32_t(RIO_SCANNABLE);
     if (!natv_check_header(file, "") || !natv_take_header(file))
         return 1;
     mem_free(file->vlt);
@@ -140,6 +141,13 @@ static int enter_image(RFILE *file, int image, int64_t at, const uint8_t *header
     file->active_overview = -2;
     // The file stays open when this fails: the record is the caller's to close.
     return natv_set_active_ov(file, -1);
+}
+
+// The image that was active goes on where it was.
+static int stay(RFILE *file, int64_t position)
+{
+    rio_byte_seek(file, position);
+    return 1;
 }
 
 int natv_set_active_image(RFILE *file, int image)
@@ -156,20 +164,21 @@ int natv_set_active_image(RFILE *file, int image)
         return 1;
 
     uint8_t header[NATV_HEADER_BYTES];
+    const int64_t position = rio_byte_tell(file);
     int64_t at = file->image_offset;
     int count = file->current_image;
     std::memcpy(header, natv(file)->header, sizeof header);
     if (n < count) {
         at = count = 0;
         if (!read_header(file, 0, header))
-            return 1;
+            return stay(file, position);
     }
     while (count < n) {
         const int64_t next = next_of(file, at, header);
         if (next == 0)
             break;
         if (!read_header(file, next, header))
-            return 1;
+            return stay(file, position);
         at = next;
         count++;
     }

@@ -1,0 +1,107 @@
+// Damaged native files of every variant: cut at every byte, and with bits turned. Nothing is asked of what they give
+// but that each call ends, and that no line is wider than it says (the sanitizers see to the rest).
+#include "RIO/CORE/byte_order.h"
+#include "RIO/memory_files.h"
+#include "fuzz/fuzz_reader.h"
+#include <gtest/gtest.h>
+
+struct variant {
+    int type, tile, headed, overviews, images;
+};
+
+static constexpr variant variants[] = {
+    { 1, 0, 0, 0, 1 },  { 2, 0, 1, 0, 1 },  { 3, 0, 0, 0, 1 },  { 9, 0, 0, 0, 1 },   { 9, 0, 1, 0, 1 },  { 10, 0, 1, 0, 1 },
+    { 25, 0, 0, 0, 1 }, { 25, 0, 1, 0, 1 }, { 26, 0, 0, 0, 1 }, { 26, 0, 1, 0, 1 },  { 27, 0, 0, 0, 1 }, { 27, 0, 1, 0, 1 },
+    { 28, 0, 0, 0, 1 }, { 28, 0, 1, 0, 1 }, { 29, 0, 0, 0, 1 }, { 29, 0, 1, 0, 1 },  { 67, 0, 0, 0, 1 }, { 69, 0, 0, 0, 1 },
+    { 23, 0, 0, 0, 1 }, { 24, 0, 0, 0, 1 }, { 2, 32, 0, 0, 1 }, { 29, 32, 0, 0, 1 }, { 10, 32, 0, 0, 1 }, { 27, 32, 1, 0, 1 },
+    { 28, 32, 0, 0, 1 }, { 9, 32, 0, 0, 1 }, { 24, 512, 0, 0, 1 }, { 2, 0, 0, 2, 1 }, { 29, 32, 0, 2, 1 }, { 29, 0, 0, 0, 3 },
+};
+
+static void put_lines(RFILE *file, int samples, int width, int height)
+{
+    for (int y = 0; y < height; y++) {
+        uint16_t planes[4][64];
+        for (int s = 0; s < 4; s++)
+            for (int x = 0; x < width; x++)
+                planes[s][x] = uint16_t(x < 9 ? 0 : (x * 31 + y * 17 + s) * 259);
+        const void *lines[4] = { planes[0], planes[1], planes[2], planes[3] };
+        ASSERT_EQ(rio_putline_planes(file, samples, lines), 0);
+    }
+}
+
+static bytes good_file(const variant &v)
+{
+    memory_file memory(20000);
+    RFILE *file = new_file(memory, RIO_FORMAT_NATV, 37, 5, v.type);
+    set_key(file, RIO_KEY_SCANNABLE, v.headed);
+    const int samples = key_of(file, RIO_KEY_SAMPLES);
+    if (v.tile)
+        set_key(file, RIO_KEY_TILE_WIDTH, v.tile);
+    if (v.overviews)
+        set_key(file, RIO_KEY_OVERVIEW_COUNT, v.overviews);
+    put_lines(file, samples, 37, 5);
+    for (int n = 0; n < v.overviews; n++) {
+        EXPECT_EQ(rio_set_active_ov(file, n), 0);
+        set_key(file, RIO_KEY_WIDTH, 16);
+        set_key(file, RIO_KEY_HEIGHT, 2);
+        set_key(file, RIO_KEY_TILE_WIDTH, v.tile);
+        put_lines(file, samples, 16, 2);
+    }
+    for (int n = 1; n < v.images; n++) {
+        EXPECT_EQ(rio_set_active_image(file, n), 0);
+        put_lines(file, samples, 37, 5);
+    }
+    rio_close(file);
+    // The rest of the memory was never written.
+    size_t end = memory.data.size();
+    while (end > 0 && memory.data[end - 1] == 0xEE)
+        end--;
+    memory.data.resize(end);
+    return memory.data;
+}
+
+static void read_all(const bytes &content)
+{
+    fuzz_reader(content.data(), content.size(), RIO_FORMAT_NATV);
+}
+
+TEST(HostileNative, GoodOnesAreWhatTheyShouldBe)
+{
+    for (const variant &v : variants) {
+        const bytes content = good_file(v);
+        memory_file memory(content);
+        RFILE *file = memory.open_r();
+        ASSERT_TRUE(file) << v.type;
+        EXPECT_EQ(key_of(file, RIO_KEY_DATA_TYPE), v.type);
+        EXPECT_EQ(key_of(file, RIO_KEY_IMAGES), v.images);
+        EXPECT_EQ(key_of(file, RIO_KEY_OVERVIEW_COUNT), v.overviews);
+        rio_close(file);
+        EXPECT_EQ(read_through(content), 5) << v.type << " " << v.tile;
+    }
+}
+
+TEST(HostileNative, CutAtEveryByte)
+{
+    for (const variant &v : variants) {
+        const bytes whole = good_file(v);
+        for (size_t cut = 0; cut < whole.size() && cut < 2048; cut += cut < 180 ? 7 : 1)
+            read_all(bytes(whole.begin(), whole.begin() + long(cut)));
+    }
+}
+
+TEST(HostileNative, BitsTurnedInEveryByte)
+{
+    for (const variant &v : variants) {
+        const bytes whole = good_file(v);
+        for (size_t at = 0; at < whole.size(); at++) {
+            // The middle of a header is texts and numbers that nobody acts on.
+            if (at % 1024 > 200 && at < 1024 && at != 511 && (at < 520 || at > 547))
+                continue;
+            bytes bad = whole;
+            for (int bit = 0; bit < 8; bit += 3) {
+                bad[at] = uint8_t(whole[at] ^ (1 << bit));
+                read_all(bad);
+            }
+        }
+    }
+}
