@@ -295,7 +295,7 @@ int field_number(int label)
     return int(strtol(form_text_of(the_form.shown, label), nullptr, 0));
 }
 
-void show_area(const held_area &area)
+void fill_area(const held_area &area)
 {
     const int numbers[4] = { area.x0, area.y0, area.x1, area.y1 };
     for (int i = 0; i < 4; i++) {
@@ -303,8 +303,6 @@ void show_area(const held_area &area)
         snprintf(text, sizeof text, "%d", numbers[i]);
         form_set_text(the_form.shown, AREA_X0 + i, text);
     }
-    form_set_on(the_form.shown, IMAGE_AREA, 1);
-    update_states();
 }
 
 // Gives the area the shape of the image window, from its upper left corner on; what does not fit the image is made smaller.
@@ -349,7 +347,9 @@ int select_from_image(form *f, bool keep_shape)
     if (selected) {
         area = clamped_area(the_form.bands[0], { area.x0 < 0 ? 0 : area.x0, area.y0 < 0 ? 0 : area.y0, area.x1 < 0 ? 0 : area.x1,
                                                  area.y1 < 0 ? 0 : area.y1 });
-        show_area(keep_shape ? shaped_as_window(area) : area);
+        fill_area(keep_shape ? shaped_as_window(area) : area);
+        form_set_on(f, IMAGE_AREA, 1);
+        update_states();
     }
     return FORM_STAY;
 }
@@ -528,6 +528,7 @@ int make_ready()
     form_set_on(the_form.shown, IMAGE_AREA, 0);
     update_states();
     fill_names();
+    fill_area(clamped_area(the_form.bands[0], WHOLE_BAND));
     chooser_load(&the_form.chooser, the_form.shown);
     form_focus(the_form.shown, FILE_1);
     return 1;
