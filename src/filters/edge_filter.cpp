@@ -1,0 +1,154 @@
+#include "filters/neighbourhood_rows.h"
+
+#include <algorithm>
+
+const int32_t edge_base_kernel[9] = {
+     1,  1,  1,
+     0,  0,  0,
+    -1, -1, -1,
+};
+
+namespace {
+
+// --- directional edges -------------------------------------------------------------------------------------------
+
+constexpr int RING = 8;
+constexpr int ring_place[RING] = { 0, 1, 2, 5, 8, 7, 6, 3 };  // around the kernel's centre, clockwise from the top left
+constexpr double EIGHTHS_PER_DEGREE = 0.022222222222222223;
+
+struct edge_kernel {
+    int32_t tap[9];
+    int plus[3], minus[3];             // where +1 and -1 stand, when the kernel is three of each
+};
+
+edge_kernel turned(const int32_t base[9], int eighths)
+{
+    edge_kernel kernel = {};
+    kernel.tap[4] = base[4];
+    for (int i = 0; i < RING; i++)
+        kernel.tap[ring_place[(i + eighths) % RING]] = base[ring_place[i]];
+    return kernel;
+}
+
+// Three +1 and three -1, as all turns of the base kernel have them.
+bool find_signs(edge_kernel &kernel)
+{
+    int plus = 0, minus = 0;
+    for (int i = 0; i < 9; i++) {
+        const int32_t tap = kernel.tap[i];
+        if (tap == 0)
+            continue;
+        if (tap == 1 && plus < 3)
+            kernel.plus[plus++] = i;
+        else if (tap == -1 && minus < 3)
+            kernel.minus[minus++] = i;
+        else
+            return false;
+    }
+    return plus == 3 && minus == 3;
+}
+
+const uint8_t *tap_row(const uint8_t *const *rows, int place)
+{
+    return rows[place / 3] + place % 3;
+}
+
+__attribute__((target_clones("avx2", "default")))
+void add_and_take(uint8_t *__restrict out, const uint8_t *p0, const uint8_t *p1, const uint8_t *p2,
+                  const uint8_t *m0, const uint8_t *m1, const uint8_t *m2, int count)
+{
+    for (int c = 0; c < count; c++) {
+        const int16_t sum = int16_t(p0[c] + p1[c] + p2[c] - m0[c] - m1[c] - m2[c]);
+        out[c] = uint8_t(std::clamp<int16_t>(sum, 0, 255));
+    }
+}
+
+void edge_byte_row(uint8_t *out, const uint8_t *const *rows, int cols, const void *parameters)
+{
+    const edge_kernel &k = *(const edge_kernel *)parameters;
+    add_and_take(out + 1, tap_row(rows, k.plus[0]), tap_row(rows, k.plus[1]), tap_row(rows, k.plus[2]),
+                 tap_row(rows, k.minus[0]), tap_row(rows, k.minus[1]), tap_row(rows, k.minus[2]), cols - 2);
+}
+
+void edge_wide_row(uint8_t *out, const int16_t *const *rows, int cols, const void *parameters)
+{
+    const edge_kernel &k = *(const edge_kernel *)parameters;
+    for (int c = 1; c < cols - 1; c++) {
+        int64_t sum = 0;
+        for (int i = 0; i < 9; i++)
+            sum += int64_t{k.tap[i]} * rows[i / 3][c - 1 + i % 3];
+        out[c] = clamp_level(sum);
+    }
+}
+
+// --- Laplacian ---------------------------------------------------------------------------------------------------
+
+struct laplacian {
+    int weight, divisor;
+    uint16_t reciprocal;               // 2^15 over the divisor, rounded up
+};
+
+// Sums stay below 12 * 255 = 3060. With e = reciprocal * divisor - 2^15, less than 8, 3060 * e is below 2^15: the product's upper half
+// is the truncated quotient. Negative sums give 0 whatever the divisor.
+__attribute__((target_clones("avx2", "default")))
+void laplacian_bytes(uint8_t *__restrict out, const uint8_t *above, const uint8_t *row, const uint8_t *below, int count, uint16_t weight,
+                     uint16_t reciprocal)
+{
+    for (int c = 0; c < count; c++) {
+        const int16_t sum = int16_t(weight * row[c + 1] - above[c + 1] - row[c] - row[c + 2] - below[c + 1]);
+        const uint16_t twice = uint16_t(2 * std::max<int16_t>(sum, 0));
+        const uint16_t quotient = uint16_t(uint32_t{twice} * reciprocal >> 16);
+        out[c] = uint8_t(std::min<uint16_t>(quotient, 255));
+    }
+}
+
+void laplacian_byte_row(uint8_t *out, const uint8_t *const *rows, int cols, const void *parameters)
+{
+    const laplacian &p = *(const laplacian *)parameters;
+    laplacian_bytes(out + 1, rows[0], rows[1], rows[2], cols - 2, uint16_t(p.weight), p.reciprocal);
+}
+
+void laplacian_wide_row(uint8_t *out, const int16_t *const *rows, int cols, const void *parameters)
+{
+    const laplacian &p = *(const laplacian *)parameters;
+    for (int c = 1; c < cols - 1; c++) {
+        const int64_t sum = int64_t{p.weight} * rows[1][c] - rows[0][c] - rows[2][c] - rows[1][c - 1] - rows[1][c + 1];
+        out[c] = clamp_level(sum / p.divisor);
+    }
+}
+
+constexpr int BYTE_WEIGHT_MIN = 4, BYTE_WEIGHT_MAX = 12;
+
+} // namespace
+
+int edge_filter(const uint8_t *in, uint8_t *out, const int16_t *map, int rows, int cols, int angle, const int32_t base[9])
+{
+    const double eighths = angle * EIGHTHS_PER_DEGREE + 0.5;
+    if (eighths <= -1 || eighths >= RING + 1)
+        return FILTER_BAD_ANGLE;
+    if (rows < 3 || cols < 3)
+        return FILTER_TOO_SMALL;
+    const mem_ptr<int16_t> memory = sample_memory(cols);
+    if (!memory)
+        return FILTER_NO_MEMORY;
+    edge_kernel kernel = turned(base, int(eighths));
+    const bool signs_only = find_signs(kernel);
+    return walk_rows(in, out, map, rows, cols, { 3, signs_only ? edge_byte_row : nullptr, edge_wide_row, &kernel }, memory.get());
+}
+
+int enhance_filter(const uint8_t *in, uint8_t *out, const int16_t *map, int rows, int cols, int weight)
+{
+    if (rows < 3 || cols < 3)
+        return FILTER_TOO_SMALL;
+    const mem_ptr<int16_t> memory = sample_memory(cols);
+    if (!memory)
+        return FILTER_NO_MEMORY;
+    // Two rows that nothing is written to: they count in the memory that this filter asks for, which is meant.
+    const mem_ptr<int16_t> scratch(told_of_memory(mem_alloc(2 * 4 * size_t(cols))));
+    if (!scratch)
+        return FILTER_NO_SCRATCH;
+    const int divisor = weight == 4 ? 1 : weight - 4;
+    const bool in_bytes = weight >= BYTE_WEIGHT_MIN && weight <= BYTE_WEIGHT_MAX;
+    const laplacian p = { weight, divisor, in_bytes ? uint16_t((32768 + divisor - 1) / divisor) : uint16_t{0} };
+    return walk_rows(in, out, map, rows, cols, { 3, in_bytes ? laplacian_byte_row : nullptr, laplacian_wide_row, &p }, memory.get());
+}

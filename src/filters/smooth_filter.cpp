@@ -1,0 +1,150 @@
+// smooth_filter.cpp - the mean over a rectangle. Sums over the kernel's rows are kept for each column: going down a row, each gains
+// the sample that enters at the bottom and loses the one that leaves at the top, so that the cost does not grow with the kernel's height.
+#include "filters/neighbourhood_rows.h"
+
+#include <bit>
+
+#include "services/ws.h"
+
+namespace {
+
+// --- small kernels, in 16 bits -------------------------------------------------------------------------------------
+
+constexpr int SMALL_WIDTH = 9, SMALL_AREA_MIN = 2, SMALL_AREA_MAX = 127;
+
+// (sum + area / 2) / area as a product: floor(n / area) is n * factor >> (16 + shift), exact for n up to 256 * area since
+// factor * area exceeds 2^(16 + shift) by less than area and area * area * 256 is below 2^(16 + shift) for areas up to 127.
+struct small_mean {
+    uint16_t half, factor;
+    int shift;
+};
+
+small_mean small_mean_of(int area)
+{
+    const int shift = std::bit_width(unsigned(area - 1)) - 1;
+    return { uint16_t(area / 2), uint16_t(((uint32_t{1} << (16 + shift)) + uint32_t(area) - 1) / uint32_t(area)), shift };
+}
+
+template <int WIDTH>
+inline __attribute__((always_inline)) void mean_row(uint8_t *__restrict out, const uint16_t *__restrict sums, int count, const small_mean &mean)
+{
+    const uint16_t half = mean.half, factor = mean.factor;
+    const int shift = mean.shift;
+    for (int c = 0; c < count; c++) {
+        uint16_t total = half;
+        for (int i = 0; i < WIDTH; i++)
+            total = uint16_t(total + sums[c + i]);
+        out[c] = uint8_t(uint16_t(uint32_t{total} * factor >> 16) >> shift);
+    }
+}
+
+__attribute__((target_clones("avx2", "default")))
+void mean_small_row(uint8_t *out, const uint16_t *sums, int count, int width, const small_mean &mean)
+{
+    switch (width) {
+    case 1: mean_row<1>(out, sums, count, mean); break;
+    case 2: mean_row<2>(out, sums, count, mean); break;
+    case 3: mean_row<3>(out, sums, count, mean); break;
+    case 4: mean_row<4>(out, sums, count, mean); break;
+    case 5: mean_row<5>(out, sums, count, mean); break;
+    case 6: mean_row<6>(out, sums, count, mean); break;
+    case 7: mean_row<7>(out, sums, count, mean); break;
+    case 8: mean_row<8>(out, sums, count, mean); break;
+    default: mean_row<9>(out, sums, count, mean); break;
+    }
+}
+
+__attribute__((target_clones("avx2", "default")))
+void enter_row(uint16_t *__restrict sums, const uint8_t *bottom, int cols)
+{
+    for (int c = 0; c < cols; c++)
+        sums[c] = uint16_t(sums[c] + bottom[c]);
+}
+
+__attribute__((target_clones("avx2", "default")))
+void next_row(uint16_t *__restrict sums, const uint8_t *bottom, const uint8_t *leaving, int cols)
+{
+    for (int c = 0; c < cols; c++)
+        sums[c] = uint16_t(sums[c] + bottom[c] - leaving[c]);
+}
+
+// --- kernels of any size ---------------------------------------------------------------------------------------------
+
+// The total over the kernel's columns runs along the row in the same way.
+void mean_large_row(uint8_t *out, const uint64_t *sums, int count, int width, uint64_t area)
+{
+    uint64_t total = area / 2;
+    for (int c = 0; c < width - 1; c++)
+        total += sums[c];
+    for (int c = 0; c < count; c++) {
+        total += sums[c + width - 1];
+        out[c] = uint8_t(total / area);
+        total -= sums[c];
+    }
+}
+
+struct smoothing {
+    const uint8_t *in;
+    uint8_t *out;
+    int rows, cols, kernel_rows, kernel_cols;
+};
+
+// Row i of the kernel's places, the sums being those of the rows before.
+typedef void (*smooth_row)(const smoothing &s, int i, void *sums);
+
+void small_row(const smoothing &s, int i, void *memory)
+{
+    uint16_t *const sums = (uint16_t *)memory;
+    const size_t width = size_t(s.cols);
+    if (i == 0)
+        for (int r = 0; r < s.kernel_rows; r++)
+            enter_row(sums, s.in + size_t(r) * width, s.cols);
+    else
+        next_row(sums, s.in + size_t(i + s.kernel_rows - 1) * width, s.in + size_t(i - 1) * width, s.cols);
+    const small_mean mean = small_mean_of(s.kernel_rows * s.kernel_cols);
+    mean_small_row(s.out + size_t(i + s.kernel_rows / 2) * width + s.kernel_cols / 2, sums, s.cols - s.kernel_cols + 1, s.kernel_cols, mean);
+}
+
+void large_row(const smoothing &s, int i, void *memory)
+{
+    uint64_t *const sums = (uint64_t *)memory;
+    const size_t width = size_t(s.cols);
+    const uint8_t *bottom = s.in + size_t(i + s.kernel_rows - 1) * width;
+    if (i == 0) {
+        for (int r = 0; r < s.kernel_rows; r++)
+            for (size_t c = 0; c < width; c++)
+                sums[c] += s.in[size_t(r) * width + c];
+    } else {
+        const uint8_t *leaving = s.in + size_t(i - 1) * width;
+        for (size_t c = 0; c < width; c++)
+            sums[c] = sums[c] + bottom[c] - leaving[c];
+    }
+    mean_large_row(s.out + size_t(i + s.kernel_rows / 2) * width + s.kernel_cols / 2, sums, s.cols - s.kernel_cols + 1, s.kernel_cols,
+                   uint64_t(s.kernel_rows) * uint64_t(s.kernel_cols));
+}
+
+} // namespace
+
+int smooth_filter(const uint8_t *in, uint8_t *out, int rows, int cols, int kernel_rows, int kernel_cols)
+{
+    if (kernel_rows <= 0 || kernel_cols <= 0)
+        return FILTER_NO_KERNEL;
+    if (kernel_rows > rows || kernel_cols > cols)
+        return FILTER_TOO_SMALL;
+    const mem_ptr<int16_t> sums(told_of_memory(mem_calloc(size_t(cols), sizeof(uint64_t))));
+    if (!sums)
+        return FILTER_NO_MEMORY;
+    const smoothing s = { in, out, rows, cols, kernel_rows, kernel_cols };
+    const int64_t area = int64_t{kernel_rows} * kernel_cols;
+    const bool small = kernel_cols <= SMALL_WIDTH && area >= SMALL_AREA_MIN && area <= SMALL_AREA_MAX;
+    const smooth_row do_row = small ? small_row : large_row;
+    const int down = kernel_rows / 2, right = kernel_cols / 2;
+    for (int i = 0; i <= rows - kernel_rows; i++) {
+        if (stopped_at_row(i + down, rows))
+            return FILTER_STOPPED;
+        do_row(s, i, sums.get());
+    }
+    fill_borders(out, rows, cols, { down, right, down + rows - kernel_rows, right + cols - kernel_cols });
+    msg_clear(MSG_KEYIN);
+    return FILTER_DONE;
+}
