@@ -252,6 +252,127 @@ static void packbits_encode_ours(benchmark::State &state)
     count_bytes(state);
 }
 
+// ---- whole files -----------------------------------------------------------------------------------------------------
+
+enum layout { STRIPS_FILE, TILES_FILE };
+
+static const memory_tiff &plain_file(int layout)
+{
+    static memory_tiff held[2];
+    if (held[layout].data.empty())
+        write_libtiff(&held[layout], picture(PHOTO), COMPRESSION_NONE, 1, layout == TILES_FILE);
+    return held[layout];
+}
+
+static RFILE *open_ours(const memory_tiff &m, rio_memory_file *record)
+{
+    *record = {};
+    record->data = const_cast<uint8_t *>(m.data.data());
+    record->size = int64_t(m.data.size());
+    char name[RIO_MEMORY_NAME_SIZE];
+    return rio_open_r(rio_memory_name(record, name));
+}
+
+static void plain_strips_ours(benchmark::State &state)
+{
+    bytes out(picture(PHOTO).size());
+    for (auto _ : state) {
+        rio_memory_file record;
+        RFILE *file = open_ours(plain_file(STRIPS_FILE), &record);
+        for (size_t y = 0; y < SIDE; y++)
+            rio_getline(file, &out[y * SIDE]);
+        rio_close(file);
+    }
+    count_bytes(state);
+}
+
+static void plain_strips_libtiff(benchmark::State &state)
+{
+    memory_tiff m = plain_file(STRIPS_FILE);
+    bytes out(picture(PHOTO).size());
+    for (auto _ : state) {
+        TIFF *tiff = open_memory(&m, "r");
+        for (uint32_t s = 0; s < STRIPS; s++)
+            TIFFReadEncodedStrip(tiff, s, &out[size_t{s} * STRIP_BYTES], STRIP_BYTES);
+        TIFFClose(tiff);
+    }
+    count_bytes(state);
+}
+
+enum { TILES = 32 * 32, TILE_BYTES = 256 * 256 };
+
+static void plain_tiles_ours(benchmark::State &state)
+{
+    bytes out(size_t{TILES} * TILE_BYTES);
+    for (auto _ : state) {
+        rio_memory_file record;
+        RFILE *file = open_ours(plain_file(TILES_FILE), &record);
+        for (size_t t = 0; t < TILES; t++) {
+            void *const planes[] = { &out[t * TILE_BYTES] };
+            rio_gettile(file, 1, planes, nullptr);
+        }
+        rio_close(file);
+    }
+    count_bytes(state);
+}
+
+static void plain_tiles_libtiff(benchmark::State &state)
+{
+    memory_tiff m = plain_file(TILES_FILE);
+    bytes out(size_t{TILES} * TILE_BYTES);
+    for (auto _ : state) {
+        TIFF *tiff = open_memory(&m, "r");
+        for (uint32_t t = 0; t < TILES; t++)
+            TIFFReadEncodedTile(tiff, t, &out[size_t{t} * TILE_BYTES], TILE_BYTES);
+        TIFFClose(tiff);
+    }
+    count_bytes(state);
+}
+
+// Lines of a tiled file.
+static void plain_tile_lines_ours(benchmark::State &state)
+{
+    bytes out(picture(PHOTO).size());
+    for (auto _ : state) {
+        rio_memory_file record;
+        RFILE *file = open_ours(plain_file(TILES_FILE), &record);
+        for (size_t y = 0; y < SIDE; y++)
+            rio_getline(file, &out[y * SIDE]);
+        rio_close(file);
+    }
+    count_bytes(state);
+}
+
+static void plain_write_ours(benchmark::State &state)
+{
+    bytes room(picture(PHOTO).size() + (1 << 20));
+    for (auto _ : state) {
+        rio_memory_file record {};
+        record.data = room.data();
+        record.size = int64_t(room.size());
+        char name[RIO_MEMORY_NAME_SIZE];
+        RFILE *file = rio_open_w(rio_memory_name(&record, name));
+        const int32_t format = RIO_FORMAT_TIFF, side = SIDE, type = RIO_TYPE_BYTE, rows = STRIP_ROWS;
+        rio_set_hdr_data(file, RIO_KEY_FORMAT, &format);
+        rio_set_hdr_data(file, RIO_KEY_WIDTH, &side);
+        rio_set_hdr_data(file, RIO_KEY_HEIGHT, &side);
+        rio_set_hdr_data(file, RIO_KEY_DATA_TYPE, &type);
+        rio_set_hdr_data(file, 505, &rows);
+        for (size_t y = 0; y < SIDE; y++)
+            rio_putline(file, &picture(PHOTO)[y * SIDE]);
+        rio_close(file);
+    }
+    count_bytes(state);
+}
+
+static void plain_write_libtiff(benchmark::State &state)
+{
+    memory_tiff m;
+    for (auto _ : state)
+        write_libtiff(&m, picture(PHOTO), COMPRESSION_NONE, 1);
+    count_bytes(state);
+}
+
 #define KINDS_AND_PREDICTORS Args({ PHOTO, 1 })->Args({ MAP, 1 })->Args({ PHOTO, 2 })->Args({ MAP, 2 })
 BENCHMARK(copy_picture);
 BENCHMARK(decode_ours)->Name("lzw_decode_ours")->KINDS_AND_PREDICTORS;
@@ -262,4 +383,11 @@ BENCHMARK(packbits_decode_ours)->Arg(PHOTO)->Arg(MAP);
 BENCHMARK(packbits_decode_libtiff)->Arg(PHOTO)->Arg(MAP);
 BENCHMARK(packbits_encode_ours)->Arg(PHOTO)->Arg(MAP);
 BENCHMARK(packbits_encode_libtiff)->Arg(PHOTO)->Arg(MAP);
+BENCHMARK(plain_strips_ours);
+BENCHMARK(plain_strips_libtiff);
+BENCHMARK(plain_tiles_ours);
+BENCHMARK(plain_tiles_libtiff);
+BENCHMARK(plain_tile_lines_ours);
+BENCHMARK(plain_write_ours);
+BENCHMARK(plain_write_libtiff);
 BENCHMARK_MAIN();

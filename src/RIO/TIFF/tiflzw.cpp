@@ -11,8 +11,11 @@ enum { CLEAR = 256, END = 257, FIRST = 258, LAST = 4094, CODES = 4096, LEAST_WID
 
 // ---- coding --------------------------------------------------------------------------------------------------------
 
+// Behind the slots stands for each code the string met last that is one byte longer, as (byte + 1) << 12 | code: in flat
+// parts it is the next one too, and found sooner than by the slots.
+//
 // A slot holds (prefix + 1) << 20 | byte << 12 | code; 0 is an empty one.
-enum { SLOT_BITS = 14, SLOT_CODE_SHIFT = 2, SLOTS = 1 << SLOT_BITS, SLOT_BYTES = SLOTS * 4 };
+enum { SLOT_BITS = 14, SLOT_CODE_SHIFT = 2, SLOTS = 1 << SLOT_BITS, TABLE_BYTES = (SLOTS + 4096) * 4 };
 
 struct bit_writer {
     uint8_t *out;
@@ -47,11 +50,16 @@ void lzw_free(lzw_state *state)
 
 static void encode(const uint8_t *in, const uint8_t *end, uint32_t *slots, bit_writer *w)
 {
+    uint32_t *const latest = slots + SLOTS;
     uint32_t next = FIRST;
     int width = LEAST_WIDTH;
     uint32_t code = *in++;
     while (in < end) {
         const uint8_t byte = *in++;
+        if (const uint32_t held = latest[code]; held >> 12 == byte + 1u) {
+            code = held & (CODES - 1);
+            continue;
+        }
         const uint32_t key = (code + 1) << 20 | uint32_t{byte} << 12;
         uint32_t at = slot_of(code, byte), held = slots[at];
         while (held && (held ^ key) >= CODES) {
@@ -59,15 +67,17 @@ static void encode(const uint8_t *in, const uint8_t *end, uint32_t *slots, bit_w
             held = slots[at];
         }
         if (held) {
+            latest[code] = (byte + 1u) << 12 | (held & (CODES - 1));
             code = held & (CODES - 1);
             continue;
         }
         put_code(w, code, width);
         slots[at] = key | next;
+        latest[code] = (byte + 1u) << 12 | next;
         code = byte;
         if (next == LAST) {
             put_code(w, CLEAR, width);
-            std::memset(slots, 0, SLOT_BYTES);
+            std::memset(slots, 0, TABLE_BYTES);
             next = FIRST;
             width = LEAST_WIDTH;
             continue;
@@ -82,10 +92,10 @@ static void encode(const uint8_t *in, const uint8_t *end, uint32_t *slots, bit_w
 int64_t lzw_encode(const uint8_t *in, uint8_t *out, int64_t in_length, lzw_state *state, RFILE *file)
 {
     if (!state->slots)
-        state->slots = static_cast<uint32_t *>(mem_alloc(SLOT_BYTES));
+        state->slots = static_cast<uint32_t *>(mem_alloc(TABLE_BYTES));
     if (!state->slots)
         return rio_fail(file, RIO_NO_MEMORY, "lzw_encode");
-    std::memset(state->slots, 0, SLOT_BYTES);
+    std::memset(state->slots, 0, TABLE_BYTES);
     bit_writer w { out, 0, 0 };
     put_code(&w, CLEAR, LEAST_WIDTH);
     if (in_length > 0)
