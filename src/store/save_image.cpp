@@ -61,8 +61,8 @@ int save_gray_files(const three_bands &three)
 int save_native_colour(const three_bands &three, const char *name)
 {
     int x, y;
-    return ask_background(&x, &y) ? write_rgb_file(three.numbers[0], three.numbers[1], three.numbers[2], name, WHOLE_BAND, x, y)
-                                  : int(SAVE_FAILED);
+    ask_background(&x, &y);
+    return write_rgb_file(three.numbers[0], three.numbers[1], three.numbers[2], name, WHOLE_BAND, x, y);
 }
 
 int save_from_memory(const three_bands &three)

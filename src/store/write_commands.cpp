@@ -74,8 +74,9 @@ void write_colour(const held_area &area)
 {
     char name[BAND_NAME_SIZE];
     int x, y;
-    if (!ask_name(RGB_TITLE, name) || !ask_background(&x, &y))
+    if (!ask_name(RGB_TITLE, name))
         return;
+    ask_background(&x, &y);
     if (const win_rec *win = target())
         write_rgb_file(win->red_band, win->green_band, win->blue_band, name, area, x, y);
 }
@@ -84,7 +85,8 @@ void write_single_colours(const held_area &area)
 {
     write_bands(RGB_TITLE, [&](int band, const char *name) {
         int x, y;
-        if (ask_background(&x, &y))
+        ask_background(&x, &y);
+        if (target())
             write_rgb_file(band, band, band, name, area, x, y);
     });
 }

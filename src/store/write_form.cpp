@@ -327,11 +327,13 @@ bool image_is_still_there()
            && win.blue_band == the_form.bands[2];
 }
 
-// The operator draws the rectangle in the image, with the form out of the way. FORM_CANCELLED when the image has gone meanwhile.
+// The operator draws the rectangle in the image, with the form out of the way. FORM_CANCELLED when the image has gone or the
+// operator has quit meanwhile.
 int select_from_image(form *f, bool keep_shape)
 {
     int x0 = -1, y0 = -1, x1 = -1, y1 = -1;
     held_area area;
+    const int32_t quitting = quit_requested;
     form_hide(f);
     current_window = the_form.window;
     const int selected = select_window_area("Write Image", &x0, &y0, &x1, &y1);
@@ -342,7 +344,7 @@ int select_from_image(form *f, bool keep_shape)
     msg_clear(MSG_TITLE);
     msg_clear(MSG_PROMPT);
     form_unhide(f);
-    if (quit_requested || !image_is_still_there())
+    if (quit_requested != quitting || !image_is_still_there())
         return FORM_CANCELLED;
     if (selected) {
         area = clamped_area(the_form.bands[0], { area.x0 < 0 ? 0 : area.x0, area.y0 < 0 ? 0 : area.y0, area.x1 < 0 ? 0 : area.x1,
@@ -378,9 +380,8 @@ int write_colour_request(const write_request &request, const held_area &area)
     if (request.kind != SAVE_NATIVE_27)
         return write_rgb_format(n[0], n[1], n[2], request.names[0], save_form_of(request.kind)->colour, area);
     int x, y;
-    if (!ask_background(&x, &y) || !image_is_still_there())
-        return 0;
-    return write_rgb_file(n[0], n[1], n[2], request.names[0], area, x, y);
+    ask_background(&x, &y);
+    return image_is_still_there() && write_rgb_file(n[0], n[1], n[2], request.names[0], area, x, y);
 }
 
 int write_gray_request(const write_request &request, const held_area &area)
@@ -542,6 +543,6 @@ void write_image()
         return;
     write_request request;
     while (form_run(the_form.shown, -1, -1, notify, &request, nullptr) == FORM_DONE)
-        if (write_requested(request) || quit_requested || !image_is_still_there())
+        if (write_requested(request) || !image_is_still_there())
             return;
 }

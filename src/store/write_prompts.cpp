@@ -14,7 +14,7 @@ int image_is_present()
     return 0;
 }
 
-int ask_background(int *x_out, int *y_out)
+void ask_background(int *x_out, int *y_out)
 {
     *x_out = *y_out = -1;
     msg_put(MSG_STATUS, MSG_CENTRED, "Reset to select black background color");
@@ -29,5 +29,4 @@ int ask_background(int *x_out, int *y_out)
     msg_clear(MSG_TITLE);
     msg_clear(MSG_STATUS);
     msg_clear(MSG_PROMPT);
-    return !(input & INPUT_QUIT);
 }
