@@ -430,9 +430,10 @@ TEST(TiffWrite, EveryAllocationMayFail)
         for (long n = 0;; n++) {
             memory_file memory(size_t{1} << 16);
             mem_fail_countdown = n;
-            RFILE *file = new_file(memory, RIO_FORMAT_TIFF, 40, 30, type);
+            RFILE *file = memory.open_w();
             const bytes line(120, 0x5A);
-            bool whole = file != nullptr;
+            bool whole = file && !set_key(file, RIO_KEY_FORMAT, RIO_FORMAT_TIFF) && !set_key(file, RIO_KEY_WIDTH, 40)
+                         && !set_key(file, RIO_KEY_HEIGHT, 30) && !set_key(file, RIO_KEY_DATA_TYPE, type);
             for (int y = 0; whole && y < 30; y++)
                 whole = rio_putline_rgb(file, line.data(), line.data(), line.data()) == 0 && rio_errno == 0;
             if (file)
