@@ -71,8 +71,8 @@ void write_greys(const int16_t *lut)
 {
     const bool mapped = picture_count == 1 && !(display_mode & DEFINING_SLICE);
     vlt_entry entries[256];
-    for (int level = 0; level < 256; level++)
-        entries[level] = vlt_grey(slot_of_level(level), gamma_table[mapped ? lut_level(lut, level) : level] * 256);
+    for (int level = 0; level < 256; level++)  // where two share a slot the lower one is written last, as in the ramp
+        entries[255 - level] = vlt_grey(slot_of_level(level), gamma_table[mapped ? lut_level(lut, level) : level] * 256);
     ws_write_vlt(screen_no, entries, 256);
 }
 

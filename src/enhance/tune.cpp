@@ -129,6 +129,7 @@ void tune()
     const uint32_t mask = band_mask(view.red_band, view.green_band, view.blue_band);
     int accepted = 0;
     msg_put(MSG_TITLE, MSG_CENTRED, "Tune");
+    msg_clear(MSG_PROMPT);
     count_panel_as_picture();
     if (has_thumbnails()) {
         fill_state(&state);
