@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int COMPRESSION_KEY = 501, TIFF_LZW = 5;
+constexpr int COMPRESSION_KEY = 501, TIFF_PLAIN = 1, TIFF_LZW = 5;
 constexpr int APPLICATION_9 = 9;
 
 int say(const char *format, const char *name)
@@ -91,7 +91,7 @@ struct format_row {
     int compressed, plain;             // values of key 501; -1 leaves it alone
 };
 constexpr format_row formats[] = {
-    { OUT_TIFF, RIO_FORMAT_TIFF, TIFF_LZW, -1 }, { OUT_TGA, RIO_FORMAT_TGA, 1, 0 },   { OUT_PCX, RIO_FORMAT_PCX, -1, -1 },
+    { OUT_TIFF, RIO_FORMAT_TIFF, TIFF_LZW, TIFF_PLAIN }, { OUT_TGA, RIO_FORMAT_TGA, 1, 0 },   { OUT_PCX, RIO_FORMAT_PCX, -1, -1 },
     { OUT_BMP, RIO_FORMAT_BMP, -1, -1 },         { OUT_GIF, RIO_FORMAT_GIF, -1, -1 },
 };
 
@@ -121,12 +121,15 @@ int cannot_write(RFILE *file, int32_t format)
 int bind_format(RFILE *file, uint32_t selector)
 {
     const format_row *row = format_of(selector);
-    if (!row)
-        return 1;
-    if (!set_number(file, RIO_KEY_FORMAT, row->format))
-        return cannot_write(file, row->format);
-    const int compression = selector & OUT_COMPRESSED ? row->compressed : row->plain;
-    return compression < 0 || set_number(file, COMPRESSION_KEY, compression) ? 1 : cannot_write(file, row->format);
+    return !row || set_number(file, RIO_KEY_FORMAT, row->format) ? 1 : cannot_write(file, row->format);
+}
+
+// After the data type, which brings a compression of its own with it.
+int set_compression(RFILE *file, uint32_t selector)
+{
+    const format_row *row = format_of(selector);
+    const int compression = !row ? -1 : selector & OUT_COMPRESSED ? row->compressed : row->plain;
+    return compression < 0 || set_number(file, COMPRESSION_KEY, compression);
 }
 
 int set_layout(RFILE *file, int type, int width, int height, int orientation)
@@ -235,7 +238,7 @@ int write_header_gray(RFILE *file, uint32_t selector, int width, int height, int
 {
     if (!bind_format(file, selector))
         return 0;
-    int good = set_layout(file, int(selector & OUT_TYPE_MASK), width, height, orientation);
+    int good = set_layout(file, int(selector & OUT_TYPE_MASK), width, height, orientation) && set_compression(file, selector);
     // Run lengths of the native format have line headers, by which their lines are found again.
     if (selector == RIO_TYPE_BITMAP_RLE || selector == RIO_TYPE_BYTE_RLE)
         good = good && set_number(file, RIO_KEY_SCANNABLE, 1);
