@@ -7,6 +7,7 @@
 
 #include "display/vlt.h"
 #include "enhance/contrast_maps.h"
+#include "enhance/slice_display.h"
 #include "services/ws.h"
 #include "shell/session.h"
 
@@ -109,6 +110,6 @@ void plot_slice_strip(int window, int baseline, const int16_t *slice_colors, con
         if (slice_colors[first] < 0)
             continue;
         const int a = lut ? lut[first] : first, b = lut ? lut[last] : last;
-        fill(window, plot_ink(slice_colors[first]), PLOT_X + std::min(a, b), baseline - 1, PLOT_X + std::max(a, b), baseline + 1);
+        fill(window, plot_ink(slice_slot(slice_colors[first], 0, 0)), PLOT_X + std::min(a, b), baseline - 1, PLOT_X + std::max(a, b), baseline + 1);
     }
 }

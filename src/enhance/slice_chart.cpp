@@ -5,9 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "display/dither.h"
 #include "display/picture_windows.h"
-#include "display/vlt.h"
 #include "enhance/slice_display.h"
 #include "services/ws.h"
 #include "shell/session.h"
@@ -39,22 +37,14 @@ void fill(int ink, int x0, int y0, int x1, int y1)
     ws_fill_rect(chart_window, x0, y0, x1, y1);
 }
 
-// Beside colour images only the reserved colours have slots: the others are made of the images' own.
-void dither_square(uint32_t rgb, int x0, int y0)
-{
-    uint16_t slots[SQUARE * SQUARE];
-    for (int i = 0; i < SQUARE * SQUARE; i++)
-        slots[i] = uint16_t(dither_colour(i % SQUARE, i / SQUARE, int(rgb >> 16), int(rgb >> 8 & 255), int(rgb & 255)));
-    ws_put_16(chart_window, plane_mask, x0, y0, x0 + SQUARE - 1, y0 + SQUARE - 1, slots);
-}
-
+// A square of colours that have no slot is dithered.
 void draw_square(int row, int column)
 {
-    const int colour = colours[row][column], x = EDGE + SQUARE * column, y = EDGE + SQUARE * row;
-    if (colour < reserved_count || colour >= NAMED_COLOURS || slice_colours_have_slots())
-        fill(colour, x, y, x + SQUARE - 1, y + SQUARE - 1);
-    else
-        dither_square(named_colours[colour], x, y);
+    const int x0 = EDGE + SQUARE * column, y0 = EDGE + SQUARE * row;
+    uint16_t slots[SQUARE * SQUARE];
+    for (int i = 0; i < SQUARE * SQUARE; i++)
+        slots[i] = uint16_t(slice_slot(colours[row][column], i % SQUARE, i / SQUARE));
+    ws_put_16(chart_window, plane_mask, x0, y0, x0 + SQUARE - 1, y0 + SQUARE - 1, slots);
 }
 
 void draw_chart()
@@ -76,7 +66,7 @@ int chart_open()
     if (!is_open()) {
         int w;
         if (ws_create_plain_window(screen_no, layout.slice_bar_left, 0, layout.slice_bar_right - 1, HEIGHT - 1, &w) != 0) {
-            msg_put(MSG_STATUS, MSG_CENTRED, "no window is free for the colour chart");
+            msg_put(MSG_STATUS, MSG_CENTRED, "no window is free for the color chart");
             beep(BEEP_ERROR);
             return 0;
         }

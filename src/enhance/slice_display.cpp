@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "display/dither.h"
 #include "display/paint.h"
 #include "display/picture_windows.h"
 #include "display/scan.h"
@@ -109,15 +110,17 @@ void tables_of_shared_slots(const band_rec &band, slice_tables *tables)
     }
 }
 
-// Dithered with the colours of the images.
+// Dithered with the colours of the images. Dithering puts levels through the gamma, which slices are not meant to go through.
 void tables_of_colours(const band_rec &band, slice_tables *tables)
 {
+    uint8_t inverse[256];
+    inverse_of_gamma(gamma_table, inverse);
     tables->depth = 24;
     for (int level = 0; level < 256; level++) {
         const int colour = band.slice_colors[level], grey = lut_level(band.lut, level);
-        const uint32_t rgb = colour >= 0 ? slice_rgb(colour) : uint32_t(grey) * 0x010101;
+        const uint32_t rgb = colour >= 0 ? slice_rgb(colour) : 0;
         for (int i = 0; i < 3; i++)
-            tables->table[i][level] = uint16_t(rgb >> (16 - 8 * i) & 255);
+            tables->table[i][level] = uint16_t(colour >= 0 ? inverse[rgb >> (16 - 8 * i) & 255] : grey);
     }
 }
 
@@ -180,7 +183,7 @@ void draw_range_line(int colour, int low, int high)
     if (plot == 3)
         return;
     const int y = plot_baseline(hist_plot_rows(plot).bottom);
-    ws_set_foreground(hist_window, plot_ink(colour));
+    ws_set_foreground(hist_window, plot_ink(slice_slot(colour, 0, 0)));
     ws_set_line_width(hist_window, WEIGHT);
     ws_move(hist_window, PLOT_X + low, y);
     ws_draw(hist_window, PLOT_X + high, y);
@@ -193,7 +196,7 @@ int slice_display_ready()
 {
     if (display_mode & IFB)
         return 1;
-    msg_put(MSG_STATUS, MSG_CENTRED, "a density slice needs a display with a colour table of 8 planes or more");
+    msg_put(MSG_STATUS, MSG_CENTRED, "density slices need a color table of 8 planes");
     beep(BEEP_ERROR);
     return 0;
 }
@@ -201,6 +204,16 @@ int slice_display_ready()
 int slice_colours_have_slots()
 {
     return (display_mode & (IFB | COLOR)) == IFB;
+}
+
+int slice_slot(int colour, int x, int y)
+{
+    if (colour < reserved_count || colour >= NAMED_COLOURS || slice_colours_have_slots())
+        return colour;
+    uint8_t inverse[256];
+    inverse_of_gamma(gamma_table, inverse);
+    const uint32_t rgb = named_colours[colour];
+    return dither_colour(x, y, inverse[rgb >> 16], inverse[rgb >> 8 & 255], inverse[rgb & 255]);
 }
 
 uint32_t slice_rgb(int index)

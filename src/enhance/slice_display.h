@@ -24,6 +24,8 @@ void slice_paint_all();
 uint32_t slice_rgb(int index);
 // 1 when the named colours above the reserved ones have slots under their own numbers: grey sessions leave these slots free.
 int slice_colours_have_slots();
+// The slot to draw a colour with at a place: its own, or one of the images' that dithers to it.
+int slice_slot(int colour, int x, int y);
 
 // Assigns a colour to levels of slicing_band and shows that in the window and under the histogram.
 void slice_apply_range(int colour, int low, int high);

@@ -360,7 +360,7 @@ TEST_F(SliceSession, WithoutAColourTableEveryCommandSaysWhyItDoesNothing)
     for (const char *keyword : keywords) {
         msg_clear(MSG_STATUS);
         command_find(keyword)->handler();
-        EXPECT_STREQ(msg_text(MSG_STATUS), "a density slice needs a display with a colour table of 8 planes or more") << keyword;
+        EXPECT_STREQ(msg_text(MSG_STATUS), "density slices need a color table of 8 planes") << keyword;
         EXPECT_EQ(windows[active_window].slice_band, -1);
     }
     expect_no_colours(grey);
