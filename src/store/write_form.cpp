@@ -257,6 +257,13 @@ int may_overwrite(int label, const char *typed, const char *name)
     return 0;
 }
 
+// A name that still begins with the path that the form put there does not get it a second time.
+int full_name(const char *typed, char *out)
+{
+    const size_t path = strlen(image_path);
+    return loader_name(path && strncmp(typed, image_path, path) == 0 ? typed + path : typed, out, BAND_NAME_SIZE);
+}
+
 // The name behind a field. 1, also for a name that is left empty; 0 with words when the form has to stay.
 int take_name(int label, char *name)
 {
@@ -264,10 +271,10 @@ int take_name(int label, char *name)
     name[0] = 0;
     if (!typed[0])
         return 1;
-    if (host_is_directory(typed))
+    if (!full_name(typed, name))
+        return refuse(host_is_directory(typed) ? "%s is a directory" : "failed to open file %s\n", typed);
+    if (host_is_directory(name))
         return refuse("%s is a directory", typed);
-    if (!loader_name(typed, name, BAND_NAME_SIZE))
-        return refuse("failed to open file %s\n", typed);
     if (!may_overwrite(label, typed, name))
         name[0] = 0;
     return 1;
