@@ -13,10 +13,12 @@
 #include "display/readout.h"
 #include "display/split_screen.h"
 #include "display/window_commands.h"
+#include "edit/undo.h"
 #include "enhance/contrast_commands.h"
 #include "enhance/histogram.h"
 #include "enhance/slice_commands.h"
 #include "enhance/tune.h"
+#include "filters/filter_commands.h"
 #include "services/ws.h"
 #include "shell/diagnostics.h"
 #include "shell/startup.h"
@@ -204,10 +206,10 @@ command_row command_table[] = {
     COMMAND(density_slice_to_3_bands)
     COMMAND(density_slice_color_edit)
     // undo
-    AWAITED(undo)
-    AWAITED(toggle_undo)
-    AWAITED(enable_undo)
-    AWAITED(disable_undo)
+    COMMAND(undo)
+    COMMAND(toggle_undo)
+    COMMAND(enable_undo)
+    COMMAND(disable_undo)
     // cut and paste
     AWAITED(cut)
     AWAITED(toggle_cut)
@@ -226,20 +228,20 @@ command_row command_table[] = {
     // graphics
     AWAITED(graphics)
     // neighbourhood filters
-    AWAITED(edge_det)
-    AWAITED(edge_enh)
-    AWAITED(smoothing)
-    AWAITED(roberts)
-    AWAITED(sobel)
+    COMMAND(edge_det)
+    COMMAND(edge_enh)
+    COMMAND(smoothing)
+    COMMAND(roberts)
+    COMMAND(sobel)
     // colours and tones
-    AWAITED(rgbihs)
-    AWAITED(ihsrgb)
-    AWAITED(apply)
-    AWAITED(invert)
+    COMMAND(rgbihs)
+    COMMAND(ihsrgb)
+    COMMAND(apply)
+    COMMAND(invert)
     // orthogonal geometry
-    AWAITED(transpose)
-    AWAITED(flip)
-    AWAITED(mirror)
+    COMMAND(transpose)
+    COMMAND(flip)
+    COMMAND(mirror)
     // warp
     AWAITED(rotate)
     AWAITED(splice2)

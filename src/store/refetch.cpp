@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "display/picture_windows.h"
+#include "edit/undo.h"
 #include "services/ws.h"
 #include "shell/session.h"
 #include "store/bands.h"
@@ -50,11 +51,6 @@ int read_again(const win_rec &win)
     }
 }
 
-void drop_undo(int n)
-{
-    bands[n].undo_saved = 0;
-}
-
 } // namespace
 
 void refetch_file()
@@ -65,13 +61,16 @@ void refetch_file()
         return;
     }
     const win_rec &win = windows[active_window];
+    const int numbers[3] = { win.red_band, win.green_band, win.blue_band };
+    const uint32_t held[3] = { bands[numbers[0]].alloc_bytes, bands[numbers[1]].alloc_bytes, bands[numbers[2]].alloc_bytes };
     display_mode |= REFETCHING_BAND;
     const int fetched = read_again(win);
     display_mode &= ~uint32_t{REFETCHING_BAND};
+    // A band whose memory has changed has no use for its copy either when the rest of the file could not be read.
+    for (int i = 0; i < 3; i++)
+        if (fetched || bands[numbers[i]].alloc_bytes != held[i])
+            undo_free(numbers[i]);
     if (!fetched)
         return;
-    drop_undo(win.red_band);
-    drop_undo(win.green_band);
-    drop_undo(win.blue_band);
     paint_bands(band_mask(win.red_band, win.green_band, win.blue_band));
 }
