@@ -6,6 +6,7 @@
 
 #include "display/picture_windows.h"
 #include "enhance/histogram.h"
+#include "enhance/slice_display.h"
 #include "shell/prompt.h"
 #include "shell/session.h"
 
@@ -225,5 +226,6 @@ void window_read_geometry(int) {}
 void window_set_name(int) {}
 void rename_bands(uint32_t) {}
 void draw_hist(int, int, int, int) {}
+void slice_write_table() {}
 void clear_all_pictures() { screen.pictures_cleared++; }
 void paint_all_pictures() { screen.pictures_painted++; }
