@@ -44,14 +44,20 @@ static void store_row(const tif_specs *specs, int plane, const tif_unit &unit, i
         store_samples(specs, lines[plane], unit.width, out);
     else
         store_pixels(samples, count, lines, unit.width, out);
-    if (specs->photometric == TIF_WHITE_IS_ZERO && samples == 1 && specs->bits_per_sample[0] == 8)
-        for (int64_t x = 0; x < unit.width; x++)
-            out[x] = uint8_t(~out[x]);
+    const int64_t bytes = tif_row_bytes(specs, unit.width);
+    if (specs->photometric == TIF_WHITE_IS_ZERO && samples == 1 && specs->bits_per_sample[0] > 1)
+        for (int64_t i = 0; i < bytes; i++)
+            out[i] = uint8_t(~out[i]);
+    if (specs->fill_order == 2)
+        for (int64_t i = 0; i < bytes; i++)
+            out[i] = rio_reversed(out[i]);
 }
 
 static int check_lines(RFILE *file, const tif_specs *specs, int count, uint8_t **lines)
 {
-    const int samples = specs->samples_per_pixel;
+    const int samples = specs->samples_per_pixel, bits = specs->bits_per_sample[0];
+    if (bits != 8 && (samples != 1 || (bits != 1 && bits != 16 && bits != 32)))
+        return rio_fail(file, RIO_UNSUPPORTED, "tif_put_line");
     if (samples == 1)
         return count >= 1 && lines[0] ? 1 : rio_fail(file, RIO_BAD_COUNT, "tif_put_line");
     const bool fits = (samples == 3 && specs->photometric == TIF_RGB) || (samples == 4 && specs->photometric != TIF_PALETTE);

@@ -169,6 +169,25 @@ TEST(TiffWrite, WideSamples)
     EXPECT_EQ(found, pixel);
 }
 
+TEST(TiffWrite, WhiteIsZeroIsStoredInvertedButForBilevelLines)
+{
+    created gray(2, 1, RIO_TYPE_16);
+    EXPECT_EQ(set_key(gray.file, 504, 0), 0);
+    const words line { 0, 0x1234 };
+    EXPECT_EQ(rio_putline(gray.file, line.data()), 0);
+    const bytes out = gray.finish();
+    EXPECT_EQ(bytes(out.begin() + 8, out.begin() + 12), (bytes { 0xFF, 0xFF, 0xCB, 0xED }));
+    reading r(out);
+    words back(2);
+    EXPECT_EQ(rio_getline(r.file, back.data()), 0);
+    EXPECT_EQ(back, line);
+    created ink(8, 1, RIO_TYPE_BITMAP);
+    EXPECT_EQ(set_key(ink.file, 504, 0), 0);
+    const uint16_t word = 0xA500;
+    EXPECT_EQ(rio_putline(ink.file, &word), 0);
+    EXPECT_EQ(ink.finish()[8], 0xA5);
+}
+
 // Rows of a strip: 3072, 2048 or 8192 over the width, for bilevel data over the bytes of a row; at least one.
 TEST(TiffWrite, StripsAreOfAHandySize)
 {
@@ -370,6 +389,23 @@ TEST(TiffModify, UncompressedLinesAreOverwrittenInPlace)
         }
         rio_close(file);
     }
+}
+
+TEST(TiffModify, FillOrder2IsKeptAndPackedSamplesAreRefused)
+{
+    memory_file turned(one_strip(2, 1, 8, 1, { 1, 2 }, { { 266, shorts({ 2 }) } }));
+    RFILE *file = rio_open_modify(turned.name);
+    const bytes line { 0x0F, 0x80 };
+    EXPECT_EQ(rio_putline(file, line.data()), 0);
+    rio_close(file);
+    EXPECT_EQ(turned.data[8], 0xF0);
+    EXPECT_EQ(turned.data[9], 0x01);
+    memory_file packed(one_strip(2, 1, 4, 1, { 0x12 }));
+    file = rio_open_modify(packed.name);
+    EXPECT_EQ(rio_putline(file, line.data()), 1);
+    EXPECT_EQ(rio_errno, RIO_UNSUPPORTED);
+    rio_close(file);
+    EXPECT_EQ(packed.data[8], 0x12);
 }
 
 TEST(TiffModify, CompressedLinesAreRefused)
