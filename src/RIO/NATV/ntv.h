@@ -181,6 +181,8 @@ int natv_getline(RFILE *file, int count, uint8_t **lines);      // slot Getline
 int natv_get_line(RFILE *file, int count, uint8_t **lines);     // slot Get_line
 // Decodes one line of the image or tile at hand into the row. Pixels, fewer when the data end early, or NATV_OVERRUN.
 int64_t natv_read_row(RFILE *file, const natv_row *row);
+// Interleaved pixels, one behind another, into the row's planes; `bytes` are taken from the file. 1; 0 short.
+int natv_read_pixels(RFILE *file, const natv_row *row, int64_t bytes, int64_t pixels);
 natv_row natv_row_of(const RFILE *file, int count, uint8_t **lines);
 // What a line that gave `got` pixels answers: pixels; 0 with RIO_READ_FAILED.
 int natv_line_result(RFILE *file, int64_t got, const char *warning);
@@ -189,6 +191,8 @@ int natv_line_result(RFILE *file, int64_t got, const char *warning);
 int natv_putline(RFILE *file, int count, uint8_t **lines);      // slot Putline
 int natv_put_line(RFILE *file, int count, uint8_t **lines);     // slot Put_line
 int natv_write_row(RFILE *file, const natv_row *row);           // pixels; 0 with the error set
+// Pixels of the row's planes, interleaved. 1; 0 with the error set.
+int natv_write_pixels(RFILE *file, const natv_row *row, int64_t pixels);
 // What every put of a line tests first; `last_only` refuses all images but the last of a chain. 0; 1 with the error set.
 int natv_put_check(RFILE *file, bool last_only);
 // Before and after bytes are written: the growth goes to the active overview's entry.
@@ -250,8 +254,9 @@ int natv_put_tile_check(RFILE *file);
 // Chooses the place of a tile to be written and goes there; then what was written becomes the tile's entry.
 int natv_begin_tile(RFILE *file, const natv_tile &tile, int64_t *at);
 int natv_end_tile(RFILE *file, const natv_tile &tile, int64_t at);
-// A tile of uncompressed lines that lie one behind another, at the full width: one read or write does.
-bool natv_tile_is_plain(const RFILE *file);
+// A tile of uncompressed lines at the full width: one read or write does.
+bool natv_tile_is_plain(const RFILE *file);         // samples of one plane
+bool natv_tile_is_interleaved(const RFILE *file);   // pixels of several
 
 // ntvov: overviews. The directory is a packet: 20 bytes of head, records of 16 bytes, entries of 12.
 enum { NATV_OVERVIEW_HEAD = 20, NATV_OVERVIEW_RECORD = 16, NATV_OVERVIEW_TILED = 0x10000 };

@@ -95,14 +95,23 @@ int64_t natv_decode_bitmap(natv_input *in, const natv_row *row, int64_t at)
 
 // ---- pairs and packed runs -------------------------------------------------------------------------------------------
 
+// Most runs are short: where there is room behind them they are stored a word at a time.
 static inline void put_run(const natv_row *row, int64_t at, uint32_t value, int64_t count)
 {
     if (!row->plane[0])
         return;
-    if (row->bits > 8)
+    if (row->bits > 8) {
         std::fill_n((uint16_t *)row->plane[0] + at, count, uint16_t(value));
-    else
-        std::memset(row->plane[0] + at, int(value & 0xFF), size_t(count));
+        return;
+    }
+    uint8_t *out = row->plane[0] + at;
+    if (count > 16 || row->width - at < 16) {
+        std::memset(out, int(value & 0xFF), size_t(count));
+        return;
+    }
+    const uint64_t word = (value & 0xFF) * 0x0101010101010101u;
+    std::memcpy(out, &word, 8);
+    std::memcpy(out + 8, &word, 8);
 }
 
 int64_t natv_decode_pairs(natv_input *in, const natv_row *row, int64_t at)
@@ -188,29 +197,31 @@ int64_t natv_decode_quads(natv_input *in, const natv_row *row, int64_t at)
 
 // ---- byte runs -------------------------------------------------------------------------------------------------------
 
-// Most runs are short: where there is room behind them they are moved a block at a time.
-enum { BLOCK = 32, LONGEST_CODE = 128 };
+enum { BLOCK = 16, LONGEST_CODE = 128 };
 
-static inline void move_literals(uint8_t *out, const uint8_t *in, int64_t count, bool roomy)
+// Most codes are short: away from both ends they are moved a block at a time, a little past their own length.
+static inline void put_blocks(uint8_t *out, const uint8_t *in, int64_t count)
 {
-    if (!roomy) {
-        std::memcpy(out, in, size_t(count));
-        return;
-    }
-    for (int64_t i = 0; i < count; i += BLOCK)
+    std::memcpy(out, in, BLOCK);
+    for (int64_t i = BLOCK; i < count; i += BLOCK)
         std::memcpy(out + i, in + i, BLOCK);
 }
 
-static inline void fill_run(uint8_t *out, uint8_t value, int64_t count, bool roomy)
+static inline void fill_blocks(uint8_t *out, uint8_t value, int64_t count)
 {
-    if (!roomy) {
-        std::memset(out, value, size_t(count));
-        return;
-    }
     uint8_t block[BLOCK];
     std::memset(block, value, BLOCK);
-    for (int64_t i = 0; i < count; i += BLOCK)
+    std::memcpy(out, block, BLOCK);
+    for (int64_t i = BLOCK; i < count; i += BLOCK)
         std::memcpy(out + i, block, BLOCK);
+}
+
+static inline void put_code_exactly(uint8_t *out, const uint8_t *p, bool literal, int64_t count)
+{
+    if (literal)
+        std::memcpy(out, p + 1, size_t(count));
+    else
+        std::memset(out, p[1], size_t(count));
 }
 
 // Codes of one plane from the `there` bytes at `p`, while a whole code is surely there or `last` says that no more will
@@ -218,9 +229,25 @@ static inline void fill_run(uint8_t *out, uint8_t value, int64_t count, bool roo
 static int64_t expand(const uint8_t *const start, int64_t there, bool last, uint8_t *out, int64_t *at, int64_t width)
 {
     const uint8_t *p = start, *const end = start + there;
-    // Blocks may be read from a little past a literal, and written a little past a run, within these.
-    const uint8_t *const safe = end - LONGEST_CODE - BLOCK;
     int64_t x = *at;
+    if (out && there > 2 * LONGEST_CODE + BLOCK) {
+        const uint8_t *const safe = end - 2 * LONGEST_CODE - BLOCK;
+        while (width - x >= 2 * LONGEST_CODE + BLOCK && p < safe) {
+            // A run nearly always follows a literal, which makes the next code's place known early.
+            if (*p < 128) {
+                const int64_t count = *p;
+                put_blocks(out + x, p + 1, count);
+                p += 1 + count;
+                x += count;
+                if (*p < 128)
+                    continue;
+            }
+            const int64_t count = 256 - *p;
+            fill_blocks(out + x, p[1], count);
+            p += 2;
+            x += count;
+        }
+    }
     while (x < width && (last ? p < end : end - p >= LONGEST_CODE)) {
         const int64_t c = *p;
         const bool literal = c < 128;
@@ -231,11 +258,8 @@ static int64_t expand(const uint8_t *const start, int64_t there, bool last, uint
         }
         if (count > width - x)
             break;
-        const bool roomy = there > LONGEST_CODE + BLOCK && p < safe && width - x >= count + BLOCK;
-        if (out && literal)
-            move_literals(out + x, p + 1, count, roomy);
-        else if (out)
-            fill_run(out + x, p[1], count, roomy);
+        if (out)
+            put_code_exactly(out + x, p, literal, count);
         p += literal ? 1 + count : 2;
         x += count;
     }

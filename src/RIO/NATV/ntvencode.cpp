@@ -8,7 +8,7 @@
 #include <emmintrin.h>
 #endif
 
-enum { LONGEST_PAIR = 32767, LONGEST_WORD = 65535, LONGEST_QUAD = 255, LONGEST_LITERAL = 127, LONGEST_REPEAT = 128 };
+enum { BLOCK = 32, LONGEST_PAIR = 32767, LONGEST_WORD = 65535, LONGEST_QUAD = 255, LONGEST_LITERAL = 127, LONGEST_REPEAT = 128 };
 
 int64_t natv_most_bytes(uint32_t data_type, int planes, int64_t width)
 {
@@ -17,7 +17,7 @@ int64_t natv_most_bytes(uint32_t data_type, int planes, int64_t width)
     // A literal of one byte between runs of two is the worst: four bytes for three.
     case RIO_TYPE_BYTE_RUN:
     case RIO_TYPE_RGB_BYTE_RUN:
-    case RIO_TYPE_4_BYTE_RUN: return planes * (width + width / 2 + 2);
+    case RIO_TYPE_4_BYTE_RUN: return planes * (width + width / 2 + 2) + BLOCK;
     default: return 4 * width;
     }
 }
@@ -166,8 +166,14 @@ static uint8_t *put_repeats(uint8_t *out, uint8_t value, int64_t count)
     return out;
 }
 
-static uint8_t *put_literals(uint8_t *out, const uint8_t *in, int64_t count)
+// `there` bytes can be read from `in`; the output has room for a block more than is used.
+static uint8_t *put_literals(uint8_t *out, const uint8_t *in, int64_t count, int64_t there)
 {
+    if (count > 0 && count <= BLOCK && there >= BLOCK) {
+        *out = uint8_t(count);
+        std::memcpy(out + 1, in, BLOCK);
+        return out + 1 + count;
+    }
     while (count > 0) {
         const int64_t part = std::min<int64_t>(count, LONGEST_LITERAL);
         *out++ = uint8_t(part);
@@ -184,7 +190,7 @@ int64_t natv_encode_bytes(const uint8_t *in, int64_t count, uint8_t *out)
     uint8_t *p = out;
     for (int64_t at = 0; at < count;) {
         const int64_t run = find_run(in, at, count);
-        p = put_literals(p, in + at, run - at);
+        p = put_literals(p, in + at, run - at, count - at);
         if (run == count)
             break;
         at = run_end(in, run, count);

@@ -59,6 +59,30 @@ static bool wanted(const natv_row *row)
     return std::any_of(row->plane, row->plane + row->planes, [](const uint8_t *p) { return p != nullptr; });
 }
 
+// The next bytes where a mapped file's view holds them; null when it does not.
+static const uint8_t *bytes_in_view(RFILE *file, int64_t bytes)
+{
+    rio_mapping *m = file->mapping;
+    const int64_t into = m ? m->position - m->window_start : -1;
+    if (into < 0 || into + bytes > m->window_held)
+        return nullptr;
+    m->position += bytes;
+    return m->view + into;
+}
+
+int natv_read_pixels(RFILE *file, const natv_row *row, int64_t bytes, int64_t pixels)
+{
+    const uint8_t *from = bytes_in_view(file, bytes);
+    if (!from) {
+        uint8_t *held = natv_scratch(file, bytes);
+        if (!held || !rio_read_exact(file, held, bytes))
+            return 0;
+        from = held;
+    }
+    split(from, row, 0, pixels);
+    return 1;
+}
+
 static int64_t read_plain(RFILE *file, const natv_row *row, int64_t stride)
 {
     if (!find_line(file, stride))
@@ -69,11 +93,7 @@ static int64_t read_plain(RFILE *file, const natv_row *row, int64_t stride)
         return rio_read_exact(file, row->plane[0], stride) ? row->width : 0;
     if (row->step == row->planes && !(file->flags & RIO_PAD_LINE))
         return rio_read_exact(file, row->plane[0], stride) ? row->width : 0;
-    uint8_t *pixels = natv_scratch(file, stride);
-    if (!pixels || !rio_read_exact(file, pixels, stride))
-        return 0;
-    split(pixels, row, 0, row->width);
-    return row->width;
+    return natv_read_pixels(file, row, stride, row->width) ? row->width : 0;
 }
 
 // ---- uncompressed lines in segments ----------------------------------------------------------------------------------

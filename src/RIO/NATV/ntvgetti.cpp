@@ -39,6 +39,12 @@ bool natv_tile_is_plain(const RFILE *file)
     return file->data_type <= RIO_TYPE_128 && !(file->flags & RIO_SCANNABLE) && file->width == file->tiles->tile_width;
 }
 
+bool natv_tile_is_interleaved(const RFILE *file)
+{
+    return (file->data_type == RIO_TYPE_RGB || file->data_type == RIO_TYPE_4) && !(file->flags & RIO_SCANNABLE)
+           && file->width == file->tiles->tile_width;
+}
+
 static bool none_wanted(int count, uint8_t **buffers)
 {
     return std::none_of(buffers, buffers + count, [](const uint8_t *b) { return b != nullptr; });
@@ -118,6 +124,11 @@ static int read_rows(RFILE *file, int count, uint8_t **buffers)
     if (natv_tile_is_plain(file))
         return rio_read_exact(file, buffers[0], row_bytes * file->height)
                    ? 1 : rio_fail(file, RIO_READ_FAILED, "ntvgetti");
+    if (natv_tile_is_interleaved(file) && step == 1) {
+        const natv_row row = natv_row_of(file, count, buffers);
+        const int64_t pixels = int64_t{ file->width } * file->height;
+        return natv_read_pixels(file, &row, pixels * row.planes, pixels) || rio_fail(file, RIO_READ_FAILED, "ntvgetti");
+    }
     for (; file->current_line < file->height; file->current_line++) {
         natv_row row = natv_row_of(file, count, buffers);
         const int64_t into = row_bytes * file->current_line;

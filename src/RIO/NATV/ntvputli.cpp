@@ -74,16 +74,26 @@ int natv_put_result(RFILE *file, int pixels)
 // ---- one line --------------------------------------------------------------------------------------------------------
 
 // Planes to interleaved pixels; a plane that is not given is zero.
-static void weave(uint8_t *out, const natv_row *row)
+static void weave(uint8_t *out, const natv_row *row, int64_t pixels)
 {
     uint8_t *const *plane = row->plane;
     if (row->planes == 3 && plane[0] && plane[1] && plane[2]) {
-        rio_join_3(plane[0], plane[1], plane[2], row->width, out);
+        rio_join_3(plane[0], plane[1], plane[2], int(pixels), out);
         return;
     }
     for (int s = 0; s < row->planes; s++)
-        for (int64_t x = 0; x < row->width; x++)
+        for (int64_t x = 0; x < pixels; x++)
             out[row->planes * x + s] = plane[s] ? plane[s][x] : uint8_t{ 0 };
+}
+
+int natv_write_pixels(RFILE *file, const natv_row *row, int64_t pixels)
+{
+    const int64_t bytes = pixels * row->planes;
+    uint8_t *woven = natv_scratch(file, bytes);
+    if (!woven)
+        return 0;
+    weave(woven, row, pixels);
+    return rio_write_exact(file, woven, bytes) ? 1 : rio_fail(file, RIO_WRITE_FAILED, "ntvputli");
 }
 
 static int write_plain(RFILE *file, const natv_row *row)
@@ -97,7 +107,7 @@ static int write_plain(RFILE *file, const natv_row *row)
             return 0;
         if (stride > int64_t{ row->planes } * row->width)
             pixels[stride - 1] = 0;
-        weave(pixels, row);
+        weave(pixels, row, row->width);
         line = pixels;
     }
     if (!line)

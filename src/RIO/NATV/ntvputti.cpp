@@ -58,6 +58,10 @@ static int write_rows(RFILE *file, int count, uint8_t **buffers)
     if (natv_tile_is_plain(file) && buffers[0])
         return rio_write_exact(file, buffers[0], row_bytes * file->height)
                    ? 1 : rio_fail(file, RIO_WRITE_FAILED, "ntvputti");
+    if (natv_tile_is_interleaved(file)) {
+        const natv_row row = natv_row_of(file, count, buffers);
+        return natv_write_pixels(file, &row, int64_t{ file->width } * file->height);
+    }
     for (; file->current_line < file->height; file->current_line++) {
         natv_row row = natv_row_of(file, count, buffers);
         for (int s = 0; s < row.planes; s++)
