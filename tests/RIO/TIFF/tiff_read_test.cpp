@@ -246,6 +246,34 @@ TEST(TiffRead, TheMatrixStandsInItsPacket)
     EXPECT_EQ(rio_errno, RIO_NO_PACKETS);
 }
 
+TEST(TiffRead, AFileInAWrapperCountsFromItsOwnStart)
+{
+    bytes wrapper(40, 0);
+    const bytes inner = one_strip(2, 1, 8, 1, { 5, 6 });
+    memcpy(wrapper.data(), "\xC5\xD0\xD3\xC6", 4);
+    wrapper[20] = 40;
+    wrapper[24] = uint8_t(inner.size());
+    wrapper[28] = wrapper[29] = 0xFF;
+    opened o(wrapper + inner);
+    ASSERT_TRUE(o.file);
+    EXPECT_EQ(next_line(o.file), (bytes { 5, 6 }));
+}
+
+TEST(TiffRead, RunLengthsOfBilevelLinesOnly)
+{
+    tiff_builder b;
+    const uint32_t at = b.add({ 1, 0x0F, 0xF0 });
+    b.directory(image_tags(16, 1, 1, 1, 32773, { at }, { 3 }, 1));
+    opened o(b.out);
+    words runs(8);
+    int size = 16;
+    EXPECT_EQ(rio_getrleline(o.file, runs.data(), &size), 16);
+    EXPECT_EQ(words(runs.begin(), runs.begin() + size / 2), (words { 4, 8, 4 }));
+    opened gray(one_strip(2, 1, 8, 1, { 5, 6 }));
+    EXPECT_EQ(rio_getrleline(gray.file, runs.data(), &size), 0);
+    EXPECT_EQ(rio_errno, RIO_UNSUPPORTED);
+}
+
 // ---- strips and tiles ------------------------------------------------------------------------------------------------
 
 TEST(TiffRead, AMissingByteCountOfASingleStripIsTheRestOfTheFile)
