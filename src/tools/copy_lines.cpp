@@ -74,7 +74,7 @@ int write_line(const copy_lines &copy, lines from, uint16_t *bits)
 int copied_columns(const copy_lines &copy) { return (copy.x1 - copy.x0) / copy.step + 1; }
 int copied_rows(const copy_lines &copy) { return (copy.y1 - copy.y0) / copy.step + 1; }
 
-copy_result copy_all_lines(const copy_lines &copy, void (*shown)(int done), int *line_out)
+copy_result copy_all_lines(const copy_lines &copy, void (*shown)(int done, void *data), void *data, int *line_out)
 {
     const size_t row = (size_t(copy.width) + 32) * size_t(copy.sample_bytes);
     mem_ptr<uint8_t> room((uint8_t *)mem_alloc(row * MOST_PLANES));
@@ -100,7 +100,7 @@ copy_result copy_all_lines(const copy_lines &copy, void (*shown)(int done), int 
             pick_columns(copy, held.plane[s]);
         if (!write_line(copy, held, bits.get()))
             return COPY_WRITE_FAILED;
-        shown(n + 1);
+        shown(n + 1, data);
     }
     return COPY_DONE;
 }

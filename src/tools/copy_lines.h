@@ -24,5 +24,5 @@ int copied_rows(const copy_lines &copy);
 
 enum copy_result { COPY_DONE, COPY_READ_FAILED, COPY_WRITE_FAILED, COPY_NO_MEMORY };
 
-// `shown` is called with the number of lines done. `line_out` gets the line of `in` that failed.
-copy_result copy_all_lines(const copy_lines &copy, void (*shown)(int done), int *line_out);
+// `shown` is called with the number of lines done and `data`. `line_out` gets the line of `in` that failed.
+copy_result copy_all_lines(const copy_lines &copy, void (*shown)(int done, void *data), void *data, int *line_out);

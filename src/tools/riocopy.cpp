@@ -1,13 +1,11 @@
 // riocopy - converts raster files: any that can be read, to any format that can be written.
 // Exit status: 0 the file was written, 1 it could not be, 2 wrong usage. A file is written whole or not at all.
 #include "RIO/rio.h"
-#include "tools/copy_form.h"
-#include "tools/copy_lines.h"
+#include "tools/copy_image.h"
 #include "tools/refusals.h"
 #include "whole_file.h"
 
 #include <cerrno>
-#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -17,8 +15,6 @@
 #include <unistd.h>
 
 enum { STATUS_OK = 0, STATUS_FILE = 1, STATUS_USAGE = 2 };
-enum { KEY_COMPRESSION = 501, KEY_TIFF_PHOTOMETRIC = 504, TIFF_WHITE_IS_ZERO = 0, TIFF_BLACK_IS_ZERO = 1 };
-enum { MOST_OVERVIEWS = 16, MOST_INCREMENT = 16384 };
 
 static const char usage[] =
     "Usage: riocopy [OPTION]... INPUT OUTPUT\n"
@@ -38,9 +34,8 @@ static const char usage[] =
     "\n";
 
 struct options {
-    const char *input = nullptr, *output = nullptr, *compression = nullptr;
-    int format = -1, type = 0, tile_size = 0, overviews = 0, increment = 1, image = 0;
-    int area[4] = { 0, 0, INT_MAX, INT_MAX };
+    const char *input = nullptr, *output = nullptr;
+    copy_wish wish;
     bool quiet = false;
 };
 
@@ -95,14 +90,14 @@ static int take_option(int c, options *wanted)
 {
     bool good = true;
     switch (c) {
-    case 'f': good = (wanted->format = format_of_word(optarg)) >= 0; break;
-    case 't': good = take_number(optarg, 1, 255, &wanted->type) && class_of_type(wanted->type) != COPY_UNKNOWN; break;
-    case 'c': good = is_compression_word(wanted->compression = optarg); break;
-    case 's': good = take_number(optarg, 0, 1 << 20, &wanted->tile_size); break;
-    case 'o': good = take_number(optarg, 0, MOST_OVERVIEWS, &wanted->overviews); break;
-    case 'a': good = take_area(optarg, wanted->area); break;
-    case 'i': good = take_number(optarg, 1, MOST_INCREMENT, &wanted->increment); break;
-    case 'n': good = take_number(optarg, 0, INT_MAX, &wanted->image); break;
+    case 'f': good = (wanted->wish.format = format_of_word(optarg)) >= 0; break;
+    case 't': good = take_number(optarg, 1, 255, &wanted->wish.type) && class_of_type(wanted->wish.type) != COPY_UNKNOWN; break;
+    case 'c': good = is_compression_word(wanted->wish.compression = optarg); break;
+    case 's': good = take_number(optarg, 0, 1 << 20, &wanted->wish.tile_size); break;
+    case 'o': good = take_number(optarg, 0, MOST_OVERVIEWS, &wanted->wish.overviews); break;
+    case 'a': good = take_area(optarg, wanted->wish.area); break;
+    case 'i': good = take_number(optarg, 1, MOST_INCREMENT, &wanted->wish.increment); break;
+    case 'n': good = take_number(optarg, 0, INT_MAX, &wanted->wish.image); break;
     case 'q': wanted->quiet = true; break;
     default: return refuse_usage("wrong option", nullptr);
     }
@@ -123,16 +118,15 @@ static int take_option(int c, options *wanted)
 
 static struct {
     bool on;
-    int64_t before, all;               // lines of the passes done, and of all passes
     int percent;
-} progress;
+} progress = { false, -1 };
 
-static void show_progress(int done)
+static void show_progress(int64_t done, int64_t all)
 {
     enum { CELLS = 40 };
-    if (!progress.on || progress.all <= 0)
+    if (!progress.on || all <= 0)
         return;
-    const int percent = int((progress.before + done) * 100 / progress.all);
+    const int percent = int(done * 100 / all);
     if (percent == progress.percent)
         return;
     progress.percent = percent;
@@ -185,226 +179,55 @@ static bool send_to_standard_output()
     return sent;
 }
 
-// ---- one image -------------------------------------------------------------------------------------------------------------
+// ---- the whole ---------------------------------------------------------------------------------------------------------------
 
-static int32_t key(RFILE *file, int number)
+static int say(const options &wanted, const copy_failure &why)
 {
-    int32_t value = 0;
-    return rio_get_hdr_data(file, number, &value) == 0 ? value : 0;
+    end_progress();
+    return fail(why.of_output ? wanted.output : wanted.input, why.reason);
 }
 
-static bool set_key(RFILE *file, int number, int32_t value)
+static int write_open_target(const copy_plan &plan, const options &wanted)
 {
-    return rio_set_hdr_data(file, number, &value) == 0;
-}
-
-struct picture {
-    int format, type, width, height, orientation;
-    copy_class samples;
-    bool table;
-    rio_vlt_entry colours[RIO_VLT_SIZE];
-};
-
-static copy_class class_of_file(RFILE *file)
-{
-    const int image_class = key(file, RIO_KEY_IMAGE_CLASS);
-    switch (image_class) {
-    case RIO_CLASS_BILEVEL: return COPY_BITS;
-    case RIO_CLASS_GRAY: return COPY_GRAY;
-    case RIO_CLASS_COLOUR: return COPY_COLOUR;
-    case RIO_CLASS_FOUR_BAND: return COPY_FOUR;
-    default: return image_class >= 3 && image_class <= 8 ? COPY_WIDE : COPY_UNKNOWN;
-    }
-}
-
-static picture look_at(RFILE *in)
-{
-    picture p = {};
-    p.format = key(in, RIO_KEY_FORMAT);
-    p.type = key(in, RIO_KEY_DATA_TYPE);
-    p.width = key(in, RIO_KEY_WIDTH);
-    p.height = key(in, RIO_KEY_HEIGHT);
-    p.orientation = key(in, RIO_KEY_ORIENTATION) & 7;
-    p.samples = class_of_file(in);
-    p.table = p.samples == COPY_GRAY && key(in, RIO_KEY_VLT_TYPE) != 0 && key(in, RIO_KEY_VLT_ENTRIES) > 0
-              && rio_get_vlt(in, p.colours) == 0;
-    return p;
-}
-
-// A table that the new file cannot hold is looked up on the way.
-static int settle_form(const options &wanted, picture *p, copy_form *form)
-{
-    const int format = wanted.format >= 0 ? wanted.format
-                       : is_standard(wanted.output) ? p->format : format_of_file_name(wanted.output);
-    const bool keep_table = format_has_colour_tables(format)
-                            && (wanted.type == 0 || class_of_type(wanted.type) == COPY_GRAY);
-    if (p->table && !keep_table) {
-        p->table = false;
-        p->samples = COPY_COLOUR;
-    }
-    return choose_form(format, p->samples, wanted.type, wanted.compression, p->format == format ? p->type : 0, form);
-}
-
-static bool settle_area(const options &wanted, const picture &p, copy_lines *copy)
-{
-    const int *a = wanted.area;
-    copy->x0 = a[0];
-    copy->y0 = a[1];
-    copy->x1 = a[2] < p.width ? a[2] : p.width - 1;
-    copy->y1 = a[3] < p.height ? a[3] : p.height - 1;
-    return copy->x0 <= copy->x1 && copy->y0 <= copy->y1;
-}
-
-// Every header value; what a plain format has no room for it ignores.
-static bool set_header(RFILE *out, const options &wanted, const picture &p, const copy_form &form, const copy_lines &copy)
-{
-    bool good = set_key(out, RIO_KEY_FORMAT, form.format) && set_key(out, RIO_KEY_DATA_TYPE, form.type)
-                && set_key(out, RIO_KEY_WIDTH, copied_columns(copy)) && set_key(out, RIO_KEY_HEIGHT, copied_rows(copy));
-    if (good && form.compression >= 0)
-        good = set_key(out, KEY_COMPRESSION, form.compression);
-    if (good && form.format == RIO_FORMAT_TIFF && form.samples == COPY_BITS)
-        good = set_key(out, KEY_TIFF_PHOTOMETRIC, TIFF_WHITE_IS_ZERO);
-    if (good && wanted.tile_size > 0)
-        good = set_key(out, RIO_KEY_TILE_WIDTH, wanted.tile_size);
-    if (good && p.table)
-        good = set_key(out, RIO_KEY_VLT_TYPE, 2) && set_key(out, RIO_KEY_VLT_ENTRIES, RIO_VLT_SIZE) && rio_put_vlt(out, p.colours) == 0;
-    if (good && wanted.overviews > 0)
-        good = set_key(out, RIO_KEY_OVERVIEW_COUNT, wanted.overviews);
-    return good;
-}
-
-// Lines that run another way in the new format are turned. 0 when rows would have to become columns.
-static int settle_orientation(RFILE *out, const picture &p, copy_lines *copy)
-{
-    set_key(out, RIO_KEY_ORIENTATION, p.orientation);
-    const int turned = (key(out, RIO_KEY_ORIENTATION) & 7) ^ p.orientation;
-    copy->mirrored = turned & 1;
-    copy->upside_down = turned & 2;
-    if (copy->upside_down)
-        rio_randomize(copy->in);
-    return !(turned & 4);
-}
-
-static int say_result(copy_result result, const options &wanted, int line)
-{
-    char text[160];
-    const uint32_t code = rio_errno;
-    switch (result) {
-    case COPY_DONE: return STATUS_OK;
-    case COPY_NO_MEMORY: return fail(wanted.input, failure_text(RIO_NO_MEMORY));
-    case COPY_READ_FAILED:
-        snprintf(text, sizeof text, "line %d cannot be read", line);
-        return fail(wanted.input, text);
-    default: return fail(wanted.output, failure_text(code));
-    }
-}
-
-static int copy_pass(const options &wanted, const copy_lines &copy)
-{
-    int line = 0;
-    const copy_result result = copy_all_lines(copy, show_progress, &line);
-    progress.before += copied_rows(copy);
-    if (result != COPY_DONE)
-        end_progress();
-    return say_result(result, wanted, line);
-}
-
-// Overview n takes every 2^(n+1)-th pixel and line of what the image takes.
-static int copy_overviews(const options &wanted, copy_lines copy)
-{
-    const int step = copy.step;
-    for (int n = 0; n < wanted.overviews; n++) {
-        const int factor = 2 << n;
-        copy.step = step * factor;
-        if (rio_set_active_ov(copy.out, n) != 0 || !set_key(copy.out, RIO_KEY_OVERVIEW_FACTOR, factor)
-            || !set_key(copy.out, RIO_KEY_WIDTH, copied_columns(copy)) || !set_key(copy.out, RIO_KEY_HEIGHT, copied_rows(copy))
-            || (wanted.tile_size > 0 && !set_key(copy.out, RIO_KEY_TILE_WIDTH, wanted.tile_size)))
-            return fail(wanted.output, failure_text(rio_errno));
-        if (const int status = copy_pass(wanted, copy))
-            return status;
-    }
-    return STATUS_OK;
-}
-
-static int64_t lines_of_all_passes(const copy_lines &copy, int overviews)
-{
-    int64_t lines = copied_rows(copy);
-    for (int n = 0; n < overviews; n++)
-        lines += copied_rows(copy) >> (n + 1);
-    return lines;
-}
-
-static int convert(RFILE *in, RFILE *out, const options &wanted, picture *p, const copy_form &form)
-{
-    copy_lines copy = {};
-    copy.in = in;
-    copy.out = out;
-    copy.width = p->width;
-    copy.sample_bytes = p->samples == COPY_WIDE ? (key(in, RIO_KEY_BITS) + 7) / 8 : 1;
-    copy.from = p->samples;
-    copy.to = form.samples;
-    copy.step = wanted.increment;
-    copy.ones_are_white = p->format == RIO_FORMAT_TIFF && key(in, KEY_TIFF_PHOTOMETRIC) == TIFF_BLACK_IS_ZERO;
-    if (!settle_area(wanted, *p, &copy))
-        return fail(wanted.input, "the area lies outside the image");
-    if (copy.sample_bytes < 1)
-        return fail(wanted.input, "sample size is invalid");
-    if (!set_header(out, wanted, *p, form, copy))
+    RFILE *out = rio_open_w(target.part);
+    if (!out)
         return fail(wanted.output, failure_text(rio_errno));
-    if (!settle_orientation(out, *p, &copy))
-        return fail(wanted.output, "the format has no images that lie in columns");
-    if (rio_write_header(out) != 0)
-        return fail(wanted.output, failure_text(rio_errno));
+    copy_failure why = {};
     progress.on = !wanted.quiet && isatty(STDERR_FILENO);
-    progress.percent = -1;
-    progress.all = lines_of_all_passes(copy, wanted.overviews);
-    int status = copy_pass(wanted, copy);
-    if (status == STATUS_OK)
-        status = copy_overviews(wanted, copy);
+    int status = copy_run(plan, out, show_progress, &why) ? int(STATUS_OK) : say(wanted, why);
+    rio_close(out);
+    if (rio_errno && status == STATUS_OK)
+        status = fail(wanted.output, failure_text(rio_errno));
     end_progress();
     return status;
 }
 
-// ---- the whole ---------------------------------------------------------------------------------------------------------------
-
-static int write_target(RFILE *in, const options &wanted, picture *p, const copy_form &form)
+static int write_target(const copy_plan &plan, const options &wanted)
 {
     if (!begin_target(wanted.output))
         return fail(wanted.output, strerror(errno));
-    RFILE *out = rio_open_w(target.part);
-    int status = out ? convert(in, out, wanted, p, form) : fail(wanted.output, failure_text(rio_errno));
-    if (out) {
-        rio_close(out);
-        if (rio_errno && status == STATUS_OK)
-            status = fail(wanted.output, failure_text(rio_errno));
-    }
+    const int status = write_open_target(plan, wanted);
     if (status != STATUS_OK) {
         whole_file_drop(&target);
         return status;
     }
     const bool placed = is_standard(wanted.output) ? send_to_standard_output() : whole_file_end(&target);
-    return placed ? STATUS_OK : fail(wanted.output, strerror(errno));
+    return placed ? int(STATUS_OK) : fail(wanted.output, strerror(errno));
 }
 
-static int copy_image(const options &wanted)
+static int copy_file(options *wanted)
 {
-    for (const char *name : { wanted.input, wanted.output })
+    for (const char *name : { wanted->input, wanted->output })
         if (names_memory(name))
             return fail(name, failure_text(RIO_OPEN_FAILED));
-    RFILE *in = rio_open_r(is_standard(wanted.input) ? nullptr : wanted.input);
+    RFILE *in = rio_open_r(is_standard(wanted->input) ? nullptr : wanted->input);
     if (!in)
-        return fail(wanted.input, failure_text(rio_errno));
-    int status = STATUS_FILE;
-    copy_form form;
-    if (wanted.image > 0 && rio_set_active_image(in, wanted.image) != 0) {
-        fail(wanted.input, failure_text(RIO_NO_IMAGE));
-    } else {
-        picture p = look_at(in);
-        if (settle_form(wanted, &p, &form))
-            status = write_target(in, wanted, &p, form);
-        else
-            fail(wanted.output, "the format cannot hold such an image");
-    }
+        return fail(wanted->input, failure_text(rio_errno));
+    if (wanted->wish.format < 0 && !is_standard(wanted->output))
+        wanted->wish.format = format_of_file_name(wanted->output);
+    copy_plan plan;
+    copy_failure why = {};
+    const int status = copy_begin(in, wanted->wish, &plan, &why) ? write_target(plan, *wanted) : say(*wanted, why);
     rio_close(in);
     return status;
 }
@@ -438,5 +261,5 @@ int main(int argc, char **argv)
     wanted.output = argv[optind + 1];
     for (const int number : { SIGINT, SIGTERM, SIGHUP })
         signal(number, stop_by_signal);
-    return copy_image(wanted);
+    return copy_file(&wanted);
 }

@@ -1,0 +1,198 @@
+#include "tools/copy_image.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "tools/refusals.h"
+
+namespace {
+
+enum { KEY_COMPRESSION = 501, KEY_TIFF_PHOTOMETRIC = 504, TIFF_WHITE_IS_ZERO = 0, TIFF_BLACK_IS_ZERO = 1 };
+
+int fail(copy_failure *why, bool of_output, const char *reason)
+{
+    why->of_output = of_output;
+    snprintf(why->reason, sizeof why->reason, "%s", reason);
+    return 0;
+}
+
+int fail_output(copy_failure *why) { return fail(why, true, failure_text(rio_errno)); }
+
+int32_t key(RFILE *file, int number)
+{
+    int32_t value = 0;
+    return rio_get_hdr_data(file, number, &value) == 0 ? value : 0;
+}
+
+bool set_key(RFILE *file, int number, int32_t value)
+{
+    return rio_set_hdr_data(file, number, &value) == 0;
+}
+
+// --- what there is, and what is to become of it -----------------------------------------------------------------------
+
+copy_class class_of_file(RFILE *file)
+{
+    const int image_class = key(file, RIO_KEY_IMAGE_CLASS);
+    switch (image_class) {
+    case RIO_CLASS_BILEVEL: return COPY_BITS;
+    case RIO_CLASS_GRAY: return COPY_GRAY;
+    case RIO_CLASS_COLOUR: return COPY_COLOUR;
+    case RIO_CLASS_FOUR_BAND: return COPY_FOUR;
+    default: return image_class >= 3 && image_class <= 8 ? COPY_WIDE : COPY_UNKNOWN;
+    }
+}
+
+// A colour table that the new file cannot hold is looked up on the way.
+int settle_form(RFILE *in, copy_plan *plan)
+{
+    const copy_wish &wish = plan->wish;
+    const int source_format = key(in, RIO_KEY_FORMAT), source_type = key(in, RIO_KEY_DATA_TYPE);
+    const int format = wish.format >= 0 ? wish.format : source_format;
+    copy_class samples = class_of_file(in);
+    plan->table = samples == COPY_GRAY && key(in, RIO_KEY_VLT_TYPE) != 0 && key(in, RIO_KEY_VLT_ENTRIES) > 0
+                  && rio_get_vlt(in, plan->colours) == 0;
+    const bool keep = format_has_colour_tables(format) && (wish.type == 0 || class_of_type(wish.type) == COPY_GRAY);
+    if (plan->table && !keep) {
+        plan->table = false;
+        samples = COPY_COLOUR;
+    }
+    plan->lines.from = samples;
+    plan->lines.sample_bytes = samples == COPY_WIDE ? (key(in, RIO_KEY_BITS) + 7) / 8 : 1;
+    plan->lines.ones_are_white = source_format == RIO_FORMAT_TIFF && key(in, KEY_TIFF_PHOTOMETRIC) == TIFF_BLACK_IS_ZERO;
+    return choose_form(format, samples, wish.type, wish.compression, source_format == format ? source_type : 0, &plan->form);
+}
+
+int settle_area(RFILE *in, copy_plan *plan)
+{
+    copy_lines &lines = plan->lines;
+    const int *area = plan->wish.area, width = key(in, RIO_KEY_WIDTH), height = key(in, RIO_KEY_HEIGHT);
+    lines.width = width;
+    lines.x0 = area[0];
+    lines.y0 = area[1];
+    lines.x1 = std::min(area[2], width - 1);
+    lines.y1 = std::min(area[3], height - 1);
+    lines.step = plan->wish.increment;
+    return lines.x0 <= lines.x1 && lines.y0 <= lines.y1;
+}
+
+// --- the new file --------------------------------------------------------------------------------------------------------
+
+bool set_header(RFILE *out, const copy_plan &plan)
+{
+    const copy_form &form = plan.form;
+    bool good = set_key(out, RIO_KEY_FORMAT, form.format) && set_key(out, RIO_KEY_DATA_TYPE, form.type)
+                && set_key(out, RIO_KEY_WIDTH, copied_columns(plan.lines)) && set_key(out, RIO_KEY_HEIGHT, copied_rows(plan.lines));
+    if (good && form.compression >= 0)
+        good = set_key(out, KEY_COMPRESSION, form.compression);
+    if (good && form.format == RIO_FORMAT_TIFF && form.samples == COPY_BITS)
+        good = set_key(out, KEY_TIFF_PHOTOMETRIC, TIFF_WHITE_IS_ZERO);
+    if (good && plan.wish.tile_size > 0)
+        good = set_key(out, RIO_KEY_TILE_WIDTH, plan.wish.tile_size);
+    if (good && plan.table)
+        good = set_key(out, RIO_KEY_VLT_TYPE, 2) && set_key(out, RIO_KEY_VLT_ENTRIES, RIO_VLT_SIZE)
+               && rio_put_vlt(out, plan.colours) == 0;
+    if (good && plan.wish.overviews > 0)
+        good = set_key(out, RIO_KEY_OVERVIEW_COUNT, plan.wish.overviews);
+    return good;
+}
+
+// Lines that run another way in the new format are turned. 0 when rows would have to become columns.
+int settle_orientation(RFILE *out, int orientation, copy_lines *lines)
+{
+    set_key(out, RIO_KEY_ORIENTATION, orientation);
+    const int turned = (key(out, RIO_KEY_ORIENTATION) & 7) ^ orientation;
+    lines->mirrored = turned & 1;
+    lines->upside_down = turned & 2;
+    if (lines->upside_down)
+        rio_randomize(lines->in);
+    return !(turned & 4);
+}
+
+// --- lines -----------------------------------------------------------------------------------------------------------------
+
+struct copy_course {
+    void (*shown)(int64_t done, int64_t all);
+    int64_t before, all;               // lines of the passes done, and of all passes
+};
+
+int say_result(copy_result result, int line, copy_failure *why)
+{
+    char text[60];
+    switch (result) {
+    case COPY_DONE: return 1;
+    case COPY_NO_MEMORY: return fail(why, false, failure_text(RIO_NO_MEMORY));
+    case COPY_READ_FAILED:
+        snprintf(text, sizeof text, "line %d cannot be read", line);
+        return fail(why, false, text);
+    default: return fail_output(why);
+    }
+}
+
+int copy_pass(const copy_lines &lines, copy_course *course, copy_failure *why)
+{
+    int line = 0;
+    const copy_result result = copy_all_lines(
+        lines, [](int done, void *data) {
+            const copy_course *c = (const copy_course *)data;
+            c->shown(c->before + done, c->all);
+        }, course, &line);
+    course->before += copied_rows(lines);
+    return say_result(result, line, why);
+}
+
+copy_lines lines_of_overview(copy_lines lines, int n)
+{
+    lines.step *= 2 << n;
+    return lines;
+}
+
+int begin_overview(const copy_lines &lines, int n, int tile_size)
+{
+    return rio_set_active_ov(lines.out, n) == 0 && set_key(lines.out, RIO_KEY_OVERVIEW_FACTOR, 2 << n)
+           && set_key(lines.out, RIO_KEY_WIDTH, copied_columns(lines)) && set_key(lines.out, RIO_KEY_HEIGHT, copied_rows(lines))
+           && (tile_size == 0 || set_key(lines.out, RIO_KEY_TILE_WIDTH, tile_size));
+}
+
+} // namespace
+
+int copy_begin(RFILE *in, const copy_wish &wish, copy_plan *plan, copy_failure *why)
+{
+    *plan = {};
+    plan->wish = wish;
+    plan->lines.in = in;
+    if (wish.image > 0 && rio_set_active_image(in, wish.image) != 0)
+        return fail(why, false, failure_text(RIO_NO_IMAGE));
+    if (!settle_area(in, plan))
+        return fail(why, false, "the area lies outside the image");
+    if (!settle_form(in, plan) || plan->lines.sample_bytes < 1)
+        return fail(why, true, "the format cannot hold such an image");
+    plan->lines.to = plan->form.samples;
+    plan->orientation = key(in, RIO_KEY_ORIENTATION) & 7;
+    return 1;
+}
+
+int copy_run(const copy_plan &plan, RFILE *out, void (*shown)(int64_t done, int64_t all), copy_failure *why)
+{
+    copy_lines lines = plan.lines;
+    lines.out = out;
+    if (!set_header(out, plan))
+        return fail_output(why);
+    if (!settle_orientation(out, plan.orientation, &lines))
+        return fail(why, true, "the format has no images that lie in columns");
+    if (rio_write_header(out) != 0)
+        return fail_output(why);
+    copy_course course = { shown, 0, copied_rows(lines) };
+    for (int n = 0; n < plan.wish.overviews; n++)
+        course.all += copied_rows(lines_of_overview(lines, n));
+    if (!copy_pass(lines, &course, why))
+        return 0;
+    for (int n = 0; n < plan.wish.overviews; n++) {
+        const copy_lines overview = lines_of_overview(lines, n);
+        if (!begin_overview(overview, n, plan.wish.tile_size))
+            return fail_output(why);
+        if (!copy_pass(overview, &course, why))
+            return 0;
+    }
+    return 1;
+}

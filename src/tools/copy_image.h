@@ -1,0 +1,37 @@
+// copy_image.h - one image of an open raster file into a new one, in another form if that is wanted.
+#pragma once
+#include <climits>
+#include <cstdint>
+
+#include "RIO/rio.h"
+#include "tools/copy_form.h"
+#include "tools/copy_lines.h"
+
+enum { MOST_OVERVIEWS = 16, MOST_INCREMENT = 16384 };   // so that no step overflows
+
+struct copy_wish {
+    const char *compression = nullptr; // one of compression_words()
+    int format = -1;                   // -1: that of the source
+    int type = 0, tile_size = 0, overviews = 0, increment = 1, image = 0;
+    int area[4] = { 0, 0, INT_MAX, INT_MAX };   // x0, y0, x1, y1, inclusive; what lies outside is left out
+};
+
+struct copy_failure {
+    bool of_output;
+    char reason[80];
+};
+
+struct copy_plan {
+    copy_wish wish;
+    copy_form form;
+    copy_lines lines;
+    int orientation;
+    bool table;                        // the colours go along
+    rio_vlt_entry colours[RIO_VLT_SIZE];
+};
+
+// Chooses the image and the form, and checks the area. 1; 0 with the reason.
+int copy_begin(RFILE *in, const copy_wish &wish, copy_plan *plan, copy_failure *why);
+// Writes header, lines and overviews to a file that is open for writing. `shown` is told the lines done, and all there are. 1;
+// 0 with the reason, and what is written is no good.
+int copy_run(const copy_plan &plan, RFILE *out, void (*shown)(int64_t done, int64_t all), copy_failure *why);
