@@ -89,23 +89,22 @@ struct laplacian {
 };
 
 // Sums stay below 12 * 255 = 3060. With e = reciprocal * divisor - 2^15, less than 8, 3060 * e is below 2^15: the product's upper half
-// is the truncated quotient. Negative sums give 0 whatever the divisor.
+// is the truncated quotient. `highest` is the largest sum whose quotient is 255. Negative sums give 0 whatever the divisor.
 __attribute__((target_clones("avx2", "default")))
 void laplacian_bytes(uint8_t *__restrict out, const uint8_t *above, const uint8_t *row, const uint8_t *below, int count, uint16_t weight,
-                     uint16_t reciprocal)
+                     uint16_t reciprocal, int16_t highest)
 {
     for (int c = 0; c < count; c++) {
         const int16_t sum = int16_t(weight * row[c + 1] - above[c + 1] - row[c] - row[c + 2] - below[c + 1]);
-        const uint16_t twice = uint16_t(2 * std::max<int16_t>(sum, 0));
-        const uint16_t quotient = uint16_t(uint32_t{twice} * reciprocal >> 16);
-        out[c] = uint8_t(std::min<uint16_t>(quotient, 255));
+        const uint16_t twice = uint16_t(2 * std::min(std::max<int16_t>(sum, 0), highest));
+        out[c] = uint8_t(uint32_t{twice} * reciprocal >> 16);
     }
 }
 
 void laplacian_byte_row(uint8_t *out, const uint8_t *const *rows, int cols, const void *parameters)
 {
     const laplacian &p = *(const laplacian *)parameters;
-    laplacian_bytes(out + 1, rows[0], rows[1], rows[2], cols - 2, uint16_t(p.weight), p.reciprocal);
+    laplacian_bytes(out + 1, rows[0], rows[1], rows[2], cols - 2, uint16_t(p.weight), p.reciprocal, int16_t(256 * p.divisor - 1));
 }
 
 void laplacian_wide_row(uint8_t *out, const int16_t *const *rows, int cols, const void *parameters)

@@ -5,6 +5,7 @@
 
 #include "filters/level_table.h"
 #include "filters/long_pass.h"
+#include "filters/row_output.h"
 #include "services/ws.h"
 
 int16_t *told_of_memory(void *block)
@@ -16,7 +17,7 @@ int16_t *told_of_memory(void *block)
 
 mem_ptr<int16_t> sample_memory(int cols)
 {
-    return mem_ptr<int16_t>(told_of_memory(mem_alloc(SAMPLE_ROWS * sizeof(int16_t) * size_t(cols))));
+    return mem_ptr<int16_t>(told_of_memory(mem_alloc((SAMPLE_ROWS + 1) * sizeof(int16_t) * size_t(cols))));
 }
 
 int stopped_at_row(int row, int rows)
@@ -26,14 +27,17 @@ int stopped_at_row(int row, int rows)
     return abort_check();
 }
 
+void put_computed_row(uint8_t *out, uint8_t *row, int r, int rows, int cols, const computed_area &computed)
+{
+    memset(row + computed.c1 + 1, row[computed.c1], size_t(cols - computed.c1 - 1));
+    memset(row, row[computed.c0], size_t(computed.c0));
+    put_row(out + size_t(r) * size_t(cols), row, size_t(cols), int64_t{rows} * cols);
+}
+
 void fill_borders(uint8_t *out, int rows, int cols, const computed_area &computed)
 {
     const size_t width = size_t(cols);
-    for (int r = computed.r0; r <= computed.r1; r++) {
-        uint8_t *row = out + size_t(r) * width;
-        memset(row + computed.c1 + 1, row[computed.c1], width - size_t(computed.c1) - 1);
-        memset(row, row[computed.c0], size_t(computed.c0));
-    }
+    put_rows_done();
     for (int r = computed.r0 - 1; r >= 0; r--)
         memcpy(out + size_t(r) * width, out + size_t(computed.r0) * width, width);
     for (int r = computed.r1 + 1; r < rows; r++)
@@ -110,15 +114,18 @@ int walk_rows(const uint8_t *in, uint8_t *out, const int16_t *map, int rows, int
 {
     const sample_source source = sample_source_of(in, map, cols, filter.byte_row != nullptr, memory);
     const int anchor = filter.size / 2, below = filter.size - 1 - anchor;
+    const computed_area computed = { anchor, anchor, rows - 1 - below, cols - 1 - below };
+    uint8_t *const row = (uint8_t *)(memory + size_t(SAMPLE_ROWS) * size_t(cols));
     for (int r = 0; r < filter.size - 1; r++)
         read_row(source, r);
     for (int r = anchor; r < rows - below; r++) {
         if (stopped_at_row(r, rows))
             return FILTER_STOPPED;
         read_row(source, r + below);
-        filter_row(source, filter, r - anchor, out + size_t(r) * size_t(cols));
+        filter_row(source, filter, r - anchor, row);
+        put_computed_row(out, row, r, rows, cols, computed);
     }
-    fill_borders(out, rows, cols, { anchor, anchor, rows - 1 - below, cols - 1 - below });
+    fill_borders(out, rows, cols, computed);
     msg_clear(MSG_KEYIN);
     return FILTER_DONE;
 }

@@ -17,7 +17,7 @@ struct row_filter {
     const void *parameters;
 };
 
-constexpr int SAMPLE_ROWS = 3;
+constexpr int SAMPLE_ROWS = 3;         // and one more for the row that is being computed
 mem_ptr<int16_t> sample_memory(int cols);  // for walk_rows; null, and the words on the error stream, without memory
 int16_t *told_of_memory(void *block);      // the block; null is told on the error stream
 
@@ -36,4 +36,7 @@ inline uint8_t clamp_level(int64_t sum)
 struct computed_area {
     int r0, c0, r1, c1;
 };
+// A computed row, in `row` from column c0 on, gets its margins and goes to its place. Rows come from r0 to r1.
+void put_computed_row(uint8_t *out, uint8_t *row, int r, int rows, int cols, const computed_area &computed);
+// The rows above and below; the last step.
 void fill_borders(uint8_t *out, int rows, int cols, const computed_area &computed);

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "filters/long_pass.h"
+#include "filters/row_output.h"
 #include "mem.h"
 #include "services/ws.h"
 
@@ -45,7 +46,7 @@ void mirror_row_fast(const uint8_t *src, uint8_t *dst, int cols)
 
 constexpr int64_t WHOLE_MAX = 0x100000;
 constexpr int TILE = 1024;
-constexpr int SQUARE = 16;
+constexpr int SQUARE = 16, LINE = 64;  // bytes that are turned at once, and that memory moves at once
 
 typedef uint8_t lanes __attribute__((vector_size(SQUARE)));
 
@@ -121,8 +122,9 @@ int flip_band(const uint8_t *src, uint8_t *dst, int rows, int cols)
     for (int r = 0; r < rows; r++) {
         if (stopped(r, rows))
             return PASS_STOPPED;
-        memcpy(dst + size_t(r) * width, src + size_t(rows - 1 - r) * width, width);
+        put_row(dst + size_t(r) * width, src + size_t(rows - 1 - r) * width, width, int64_t{rows} * cols);
     }
+    put_rows_done();
     msg_clear(MSG_KEYIN);
     return 0;
 }
@@ -142,9 +144,11 @@ int mirror_band(const uint8_t *src, uint8_t *dst, int rows, int cols)
 void transpose_block(const uint8_t *src, int64_t src_stride, uint8_t *dst, int64_t dst_stride, int rows, int cols)
 {
     const int whole_rows = rows & -SQUARE, whole_cols = cols & -SQUARE;
-    for (int c = 0; c < whole_cols; c += SQUARE)
-        for (int r = 0; r < whole_rows; r += SQUARE)
-            transpose_square(src + r * src_stride + c, src_stride, dst + c * dst_stride + r, dst_stride);
+    for (int top = 0; top < whole_rows; top += LINE)
+        for (int left = 0; left < whole_cols; left += LINE)
+            for (int c = left; c < std::min(left + LINE, whole_cols); c += SQUARE)
+                for (int r = top; r < std::min(top + LINE, whole_rows); r += SQUARE)
+                    transpose_square(src + r * src_stride + c, src_stride, dst + c * dst_stride + r, dst_stride);
     transpose_plainly(src + whole_cols, src_stride, dst + whole_cols * dst_stride, dst_stride, whole_rows, cols - whole_cols);
     transpose_plainly(src + whole_rows * src_stride, src_stride, dst + whole_rows, dst_stride, rows - whole_rows, cols);
 }

@@ -85,14 +85,13 @@ void mean_large_row(uint8_t *out, const uint64_t *sums, int count, int width, ui
 
 struct smoothing {
     const uint8_t *in;
-    uint8_t *out;
     int rows, cols, kernel_rows, kernel_cols;
 };
 
 // Row i of the kernel's places, the sums being those of the rows before.
-typedef void (*smooth_row)(const smoothing &s, int i, void *sums);
+typedef void (*smooth_row)(const smoothing &s, int i, void *sums, uint8_t *out);
 
-void small_row(const smoothing &s, int i, void *memory)
+void small_row(const smoothing &s, int i, void *memory, uint8_t *out)
 {
     uint16_t *const sums = (uint16_t *)memory;
     const size_t width = size_t(s.cols);
@@ -102,10 +101,10 @@ void small_row(const smoothing &s, int i, void *memory)
     else
         next_row(sums, s.in + size_t(i + s.kernel_rows - 1) * width, s.in + size_t(i - 1) * width, s.cols);
     const small_mean mean = small_mean_of(s.kernel_rows * s.kernel_cols);
-    mean_small_row(s.out + size_t(i + s.kernel_rows / 2) * width + s.kernel_cols / 2, sums, s.cols - s.kernel_cols + 1, s.kernel_cols, mean);
+    mean_small_row(out + s.kernel_cols / 2, sums, s.cols - s.kernel_cols + 1, s.kernel_cols, mean);
 }
 
-void large_row(const smoothing &s, int i, void *memory)
+void large_row(const smoothing &s, int i, void *memory, uint8_t *out)
 {
     uint64_t *const sums = (uint64_t *)memory;
     const size_t width = size_t(s.cols);
@@ -119,7 +118,7 @@ void large_row(const smoothing &s, int i, void *memory)
         for (size_t c = 0; c < width; c++)
             sums[c] = sums[c] + bottom[c] - leaving[c];
     }
-    mean_large_row(s.out + size_t(i + s.kernel_rows / 2) * width + s.kernel_cols / 2, sums, s.cols - s.kernel_cols + 1, s.kernel_cols,
+    mean_large_row(out + s.kernel_cols / 2, sums, s.cols - s.kernel_cols + 1, s.kernel_cols,
                    uint64_t(s.kernel_rows) * uint64_t(s.kernel_cols));
 }
 
@@ -134,17 +133,22 @@ int smooth_filter(const uint8_t *in, uint8_t *out, int rows, int cols, int kerne
     const mem_ptr<int16_t> sums(told_of_memory(mem_calloc(size_t(cols), sizeof(uint64_t))));
     if (!sums)
         return FILTER_NO_MEMORY;
-    const smoothing s = { in, out, rows, cols, kernel_rows, kernel_cols };
+    const mem_ptr<int16_t> row(told_of_memory(mem_alloc(size_t(cols))));
+    if (!row)
+        return FILTER_NO_SCRATCH;
+    const smoothing s = { in, rows, cols, kernel_rows, kernel_cols };
     const int64_t area = int64_t{kernel_rows} * kernel_cols;
     const bool small = kernel_cols <= SMALL_WIDTH && area >= SMALL_AREA_MIN && area <= SMALL_AREA_MAX;
     const smooth_row do_row = small ? small_row : large_row;
     const int down = kernel_rows / 2, right = kernel_cols / 2;
+    const computed_area computed = { down, right, down + rows - kernel_rows, right + cols - kernel_cols };
     for (int i = 0; i <= rows - kernel_rows; i++) {
         if (stopped_at_row(i + down, rows))
             return FILTER_STOPPED;
-        do_row(s, i, sums.get());
+        do_row(s, i, sums.get(), (uint8_t *)row.get());
+        put_computed_row(out, (uint8_t *)row.get(), i + down, rows, cols, computed);
     }
-    fill_borders(out, rows, cols, { down, right, down + rows - kernel_rows, right + cols - kernel_cols });
+    fill_borders(out, rows, cols, computed);
     msg_clear(MSG_KEYIN);
     return FILTER_DONE;
 }

@@ -48,6 +48,24 @@ TEST(MapLevels, TakesAnyTableAtAnyLength)
     }
 }
 
+TEST(MapLevels, EveryWayOfTheProcessorGivesTheSame)
+{
+    ASSERT_NE(map_levels_way(MAP_WAYS - 1), nullptr);
+    uint8_t table[256];
+    for (int i = 0; i < 256; i++)
+        table[i] = uint8_t(i * 91 + 5);
+    for (int way = 0; way < MAP_WAYS; way++)
+        for (int count = 0; map_levels_way(way) && count <= 520; count++) {
+            plane in(static_cast<size_t>(count));
+            for (int i = 0; i < count; i++)
+                in[size_t(i)] = uint8_t(i * 3 + count);
+            plane p = in;
+            map_levels_way(way)(p.data(), p.data(), table, p.size());
+            for (size_t i = 0; i < in.size(); i++)
+                ASSERT_EQ(p[i], uint8_t(in[i] * 91 + 5)) << "way " << way << ", " << i << " of " << count;
+        }
+}
+
 TEST(InvertPixels, EachBecomesItsComplement)
 {
     for (int count = 0; count < 300; count++) {

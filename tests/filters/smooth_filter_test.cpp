@@ -100,7 +100,9 @@ TEST(SmoothFilter, MemoryThatFailsIsTold)
     ::testing::internal::CaptureStderr();
     mem_fail_countdown = 0;
     EXPECT_EQ(smooth_filter(in.data(), out.data(), 5, 5, 3, 3), -103);
+    mem_fail_countdown = 1;
+    EXPECT_EQ(smooth_filter(in.data(), out.data(), 5, 5, 3, 3), -104);
     mem_fail_countdown = -1;
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Insufficient memory\n");
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Insufficient memory\nInsufficient memory\n");
     EXPECT_EQ(out, plane(25, UNWRITTEN));
 }

@@ -1,0 +1,10 @@
+// row_output.h - private to the room: finished rows go to memory past the caches where the plane is too large for them anyway.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+
+constexpr int64_t STREAM_FROM = int64_t{4} << 20;  // bytes of a plane
+
+// memcpy of a row of a plane of `plane_bytes`.
+void put_row(uint8_t *dst, const uint8_t *row, size_t count, int64_t plane_bytes);
+void put_rows_done();                  // before anybody else reads them
