@@ -5,6 +5,8 @@
 
 // The largest plane of a tile that is taken for one.
 static constexpr int64_t MOST_TILE_BYTES = int64_t{ 1 } << 28;
+// A row of tiles takes no more memory than the first, or than so many times the file's size.
+static constexpr int64_t MOST_STRIP_BYTES = int64_t{ 1 } << 28, MOST_STRIP_SHARE = 64;
 
 void rio_free_tiles(RFILE *file)
 {
@@ -211,6 +213,10 @@ static int fill_strip(RFILE *file, int64_t line_bytes, int planes)
     rio_tiles *t = file->tiles;
     const int line = file->current_line;
     const int64_t rows = std::min(t->tile_height, file->height);
+    // Solid tiles take no bytes: a small file may tell of a row of them that no memory holds.
+    const int64_t wanted = rows * line_bytes;
+    if (wanted > MOST_STRIP_BYTES / planes && wanted > MOST_STRIP_SHARE * rio_file_size(file) / planes)
+        return rio_fail(file, RIO_NO_MEMORY, "getlinefromtile");
     if (!t->strip_cache || t->strip_planes != planes || t->strip_bytes != rows * line_bytes) {
         t->strip_bytes = rows * line_bytes;
         mem_free(t->strip_cache);

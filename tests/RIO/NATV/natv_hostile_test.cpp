@@ -1,6 +1,7 @@
 // Damaged native files of every variant: cut at every byte, and with bits turned. Nothing is asked of what they give
 // but that each call ends, and that no line is wider than it says (the sanitizers see to the rest).
 #include "RIO/CORE/byte_order.h"
+#include "RIO/CORE/tests_native.h"
 #include "RIO/memory_files.h"
 #include "fuzz/fuzz_reader.h"
 #include <gtest/gtest.h>
@@ -78,6 +79,32 @@ TEST(HostileNative, GoodOnesAreWhatTheyShouldBe)
         rio_close(file);
         EXPECT_EQ(read_through(content), 5) << v.type << " " << v.tile;
     }
+}
+
+TEST(HostileNative, SmallFilesThatTellOfMuchGetLittleMemory)
+{
+    // A row of 64 solid tiles of 16384 would be 16 GB.
+    bytes content = native_header(1 << 20, 16384, 65);
+    content.resize(1024 + 128 + 12 * 64, 0);
+    put_le_u16(&content[1024], 1);
+    put_le_u16(&content[1026], 7);
+    put_le_u32(&content[1028], 60 + 6 * 64);
+    put_le_u16(&content[1024 + 18], 2);
+    put_le_u32(&content[1024 + 120], 16384);
+    memory_file tiles(content);
+    RFILE *file = tiles.open_r();
+    ASSERT_TRUE(file);
+    bytes line(1 << 20);
+    EXPECT_EQ(rio_getline(file, line.data()), 1);
+    EXPECT_EQ(rio_errno, RIO_NO_MEMORY);
+    rio_close(file);
+
+    memory_file lines(native_header(4, 2000000000, 29));
+    file = lines.open_r();
+    ASSERT_TRUE(file);
+    EXPECT_EQ(rio_randomize(file), 1);
+    EXPECT_EQ(rio_errno, RIO_NO_MEMORY);
+    rio_close(file);
 }
 
 TEST(HostileNative, CutAtEveryByte)
