@@ -1,5 +1,5 @@
-// Bilevel strips and tiles through the CCITT codec. Reading, each is decoded to lists of runs, once, and its lines are drawn from
-// them. A damaged one gives the lines before the damage; those behind it are white, and no error is set. This is meant.
+// Bilevel strips and tiles through the CCITT codec. Reading, each is decoded to lists of runs, once, and its lines are drawn
+// from them. A damaged one gives the lines before the damage; those behind it are white, and no error is set. This is meant.
 #include "RIO/CIT/cit.h"
 #include "RIO/TIFF/tif.h"
 #include <algorithm>

@@ -4,7 +4,6 @@
 #include "RIO/TIFF/tiflzw.h"
 #include "RIO/CORE/rio_format.h"
 #include <algorithm>
-#include <bit>
 #include <cstring>
 
 enum { CLEAR = 256, END = 257, FIRST = 258, LAST = 4094, CODES = 4096, LEAST_WIDTH = 9, MOST_WIDTH = 12 };

@@ -9,8 +9,9 @@ static int fill_solid(RFILE *file, uint8_t *block, int64_t plane_bytes, int plan
     if (bits > 8)
         return rio_fail(file, RIO_UNSUPPORTED, "solid tile");
     for (int s = 0; s < planes; s++) {
-        const int level = planes >= 3 ? (s < 3 ? value >> (16 - 8 * s) & 255 : 0) : bits == 1 ? (value ? 255 : 0) : value & 255;
-        std::memset(block + s * plane_bytes, level, size_t(plane_bytes));
+        const int colour = s < 3 ? value >> (16 - 8 * s) & 255 : 0;
+        const int gray = bits == 1 && value ? 255 : value & 255;
+        std::memset(block + s * plane_bytes, planes >= 3 ? colour : gray, size_t(plane_bytes));
     }
     return 1;
 }

@@ -9,7 +9,10 @@ static int32_t number(const void *value)
     return n;
 }
 
-static bool is_new(const RFILE *file) { return !(tif_of(file)->state & (TIF_LAID_OUT | TIF_WAS_WRITTEN)) && !(file->access & RIO_ACCESS_MODIFY); }
+static bool is_new(const RFILE *file)
+{
+    return !(tif_of(file)->state & (TIF_LAID_OUT | TIF_WAS_WRITTEN)) && !(file->access & RIO_ACCESS_MODIFY);
+}
 
 static void mark_changed(RFILE *file) { tif_of(file)->state |= TIF_CHANGED; }
 
