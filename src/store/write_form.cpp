@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <initializer_list>
 
 #include "display/area_select.h"
 #include "display/geometry.h"
@@ -53,7 +52,8 @@ constexpr type_row types[] = {
 constexpr int TYPES = int(sizeof types / sizeof *types);
 
 struct write_form {
-    form *shown;
+    form *built[2];                    // for images of levels, and for bitmaps
+    form *shown;                       // one of them
     file_chooser chooser;
     int window;                        // whose image is written
     int bands[3];
@@ -80,49 +80,56 @@ int refuse(const char *format, const char *name)
 
 // --- building ----------------------------------------------------------------------------------------------
 
-void add_name_fields(form *f)
+double add_name_fields(form *f, int count)
 {
     const double right = WIDTH - FORM_MARGIN - 84;
-    for (int i = 0; i < 3; i++)
+    for (int i = 0; i < count; i++)
         form_add_field(f, FILE_1 + i, FORM_MARGIN, 10 + i * FORM_PITCH, right, "  file1(r)", FIELD_LABELS, NAME_FIELD_SIZE);
     form_add_button(f, BROWSE, right + 12, 10, WIDTH - FORM_MARGIN, 10 + FORM_ROW, "browse");
+    return 10 + count * FORM_PITCH + 6;
 }
 
-void add_choices(form *f)
+double add_formats(form *f, double top)
 {
-    const double first = 10 + 3 * FORM_PITCH + 6;
-    form_add_toggle(f, COLOUR_FORMAT, FORM_MARGIN, first, "8bit file format", "24bit file format", 0);
-    form_add_toggle(f, COMPRESSED, 236, first, "uncompressed", "compressed", 0);
-    form_add_toggle(f, TILED, 420, first, "untiled", "tiled", 0);
+    form_add_toggle(f, COLOUR_FORMAT, FORM_MARGIN, top, "8bit file format", "24bit file format", 0);
+    form_add_toggle(f, COMPRESSED, 236, top, "uncompressed", "compressed", 0);
+    form_add_toggle(f, TILED, 420, top, "untiled", "tiled", 0);
     for (int i = 0; i < TYPES; i++)
-        form_add_radio(f, TYPE_FIRST + i, TYPE_GROUP, types[i].x, first + (1 + types[i].row) * FORM_PITCH, types[i].text, 0);
-    const double area = first + 3 * FORM_PITCH;
-    form_add_toggle(f, IMAGE_AREA, FORM_MARGIN, area, "whole image", "image area", 0);
-    form_add_button(f, FROM_IMAGE, 236, area, 396, area + FORM_ROW, "select from image");
-    form_add_button(f, CROP, 408, area, WIDTH - FORM_MARGIN, area + FORM_ROW, "ScenePair crop");
+        form_add_radio(f, TYPE_FIRST + i, TYPE_GROUP, types[i].x, top + (1 + types[i].row) * FORM_PITCH, types[i].text, 0);
+    return top + 3 * FORM_PITCH;
+}
+
+double add_area(form *f, double top)
+{
+    form_add_toggle(f, IMAGE_AREA, FORM_MARGIN, top, "whole image", "image area", 0);
+    form_add_button(f, FROM_IMAGE, 236, top, 396, top + FORM_ROW, "select from image");
+    form_add_button(f, CROP, 408, top, WIDTH - FORM_MARGIN, top + FORM_ROW, "ScenePair crop");
     const char *const corners[4] = { " x0", " y0", " x1", " y1" };
     for (int i = 0; i < 4; i++) {
         const double x = FORM_MARGIN + i * 141;
-        form_add_field(f, AREA_X0 + i, x, area + FORM_PITCH, x + 34 + 92, corners[i], 34, NUMBER_FIELD_SIZE);
+        form_add_field(f, AREA_X0 + i, x, top + FORM_PITCH, x + 34 + 92, corners[i], 34, NUMBER_FIELD_SIZE);
     }
+    return top + 2 * FORM_PITCH + 4;
 }
 
-void add_list_and_buttons(form *f)
+void add_list_and_buttons(form *f, double top, double height)
 {
-    const double top = 10 + 8 * FORM_PITCH + 10;
     form_add_label(f, DIRECTORY, FORM_MARGIN, top, "Directory:");
-    form_add_list(f, FILE_LIST, FORM_MARGIN, top + 20, WIDTH - FORM_MARGIN, HEIGHT - 46, nullptr);
+    form_add_list(f, FILE_LIST, FORM_MARGIN, top + 20, WIDTH - FORM_MARGIN, height - 46, nullptr);
     form_set_name(f, FILE_LIST, "files");
-    form_add_accept(f, ACCEPT, WIDTH / 2 - FORM_SYMBOL_WIDTH - 16, HEIGHT - 36);
-    form_add_cancel(f, CANCEL, WIDTH / 2 + 16, HEIGHT - 36);
+    form_add_accept(f, ACCEPT, WIDTH / 2 - FORM_SYMBOL_WIDTH - 16, height - 36);
+    form_add_cancel(f, CANCEL, WIDTH / 2 + 16, height - 36);
 }
 
-form *build()
+// A bitmap has one name and one format.
+form *build(bool bitmap)
 {
-    form *f = form_create(1, "Write Image", WIDTH, HEIGHT);
-    add_name_fields(f);
-    add_choices(f);
-    add_list_and_buttons(f);
+    const double height = bitmap ? HEIGHT - 5 * FORM_PITCH : HEIGHT;
+    form *f = form_create(1, "Write Image", WIDTH, height);
+    double top = add_name_fields(f, bitmap ? 1 : 3);
+    if (!bitmap)
+        top = add_formats(f, top);
+    add_list_and_buttons(f, add_area(f, top), height);
     return f;
 }
 
@@ -181,24 +188,22 @@ void choose_possible_type()
 void update_states()
 {
     form *f = the_form.shown;
-    const bool three = three_names(), bitmap = is_bitmap();
+    const bool three = three_names();
     static const char *const three_labels[3] = { "  file1(r)", "  file2(g)", "  file3(b)" };
-    for (int i = 0; i < 3; i++) {
-        form_set_label_text(f, FILE_1 + i, three || i > 0 ? three_labels[i] : "  filename");
-        form_enable(f, FILE_1 + i, i == 0 || three);
-        form_show(f, FILE_1 + i, i == 0 || !bitmap);
-    }
-    for (const int choice : { COLOUR_FORMAT, COMPRESSED, TILED })
-        form_show(f, choice, !bitmap);
-    for (int i = 0; i < TYPES; i++) {
-        form_show(f, TYPE_FIRST + i, !bitmap);
-        form_enable(f, TYPE_FIRST + i, kind_of_type(i) != SAVE_UNKNOWN);
-    }
-    choose_possible_type();
+    form_set_label_text(f, FILE_1, three ? three_labels[0] : "  filename");
     for (int corner = AREA_X0; corner <= AREA_Y1; corner++)
         form_enable(f, corner, form_is_on(f, IMAGE_AREA));
     if (!three)
         the_form.name_field = FILE_1;
+    if (is_bitmap())
+        return;
+    for (int i = 1; i < 3; i++) {
+        form_set_label_text(f, FILE_1 + i, three_labels[i]);
+        form_enable(f, FILE_1 + i, three);
+    }
+    for (int i = 0; i < TYPES; i++)
+        form_enable(f, TYPE_FIRST + i, kind_of_type(i) != SAVE_UNKNOWN);
+    choose_possible_type();
 }
 
 // --- names -------------------------------------------------------------------------------------------------------
@@ -214,7 +219,7 @@ const char *last_component(const char *name)
 
 void fill_names()
 {
-    for (int i = 0; i < 3; i++) {
+    for (int i = 0; i < (is_bitmap() ? 1 : 3); i++) {
         const band_rec &band = bands[the_form.bands[i]];
         const char *name = i == 0 && !band.file_name[0] ? windows[the_form.window].name : last_component(band.file_name);
         char text[NAME_FIELD_SIZE];
@@ -520,19 +525,22 @@ int notify(form *f, gadget *g, int event, void *data)
 
 int make_ready()
 {
-    if (!the_form.shown) {
-        the_form.shown = build();
-        if (!the_form.shown)
-            return refuse("failed to allocate memory for form%s", "");
-        chooser_init(&the_form.chooser, FILE_LIST, DIRECTORY);
-    }
     const win_rec &win = windows[active_window];
     the_form.window = active_window;
     the_form.bands[0] = win.red_band;
     the_form.bands[1] = win.green_band >= 0 ? win.green_band : win.red_band;
     the_form.bands[2] = win.blue_band >= 0 ? win.blue_band : win.red_band;
+    form *&built = the_form.built[is_bitmap()];
+    if (!built)
+        built = build(is_bitmap());
+    if (!built)
+        return refuse("failed to allocate memory for form%s", "");
+    if (!the_form.shown)
+        chooser_init(&the_form.chooser, FILE_LIST, DIRECTORY);
+    the_form.shown = built;
     the_form.name_field = FILE_1;
-    form_set_on(the_form.shown, COLOUR_FORMAT, is_colour_image());
+    if (!is_bitmap())
+        form_set_on(the_form.shown, COLOUR_FORMAT, is_colour_image());
     form_set_on(the_form.shown, IMAGE_AREA, 0);
     update_states();
     fill_names();
