@@ -39,6 +39,7 @@ void natv_set_entry(RFILE *file, int64_t tile, natv_entry entry)
     put_le_u32(p + 4, entry.allocated);
     put_le_u32(p + 8, entry.used);
     file->flags |= RIO_TILES_DIRTY;
+    file->tiles->strip_first_line = -1;     // lines read before are of the old tile
 }
 
 void natv_drop_tiles(RFILE *file)

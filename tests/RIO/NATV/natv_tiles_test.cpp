@@ -267,6 +267,26 @@ TEST_F(NativeTiles, ModifiedTilesStayInPlaceOrGoToTheEnd)
     }
 }
 
+TEST_F(NativeTiles, LinesReadAfterATileWasPutAreTheNewOnes)
+{
+    create(32, 32, 2, 32);
+    const bytes tile(1024, 9);
+    const void *buffers[1] = { tile.data() };
+    EXPECT_EQ(rio_puttile(file, 1, buffers, nullptr), 0);
+    close();
+    file = rio_open_modify(path.c_str());
+    ASSERT_TRUE(file);
+    bytes line(32);
+    EXPECT_EQ(rio_getline(file, line.data()), 0);
+    EXPECT_EQ(line, bytes(32, 9));
+    EXPECT_EQ(rio_seek(file, 0), 0);
+    const int32_t four = 4;
+    EXPECT_EQ(rio_puttile(file, 1, nullptr, &four), 0);
+    EXPECT_EQ(rio_seek(file, 1), 0);
+    EXPECT_EQ(rio_getline(file, line.data()), 0);
+    EXPECT_EQ(line, bytes(32, 4));
+}
+
 TEST_F(NativeTiles, RunLengthsOfTilesAndOfTheirLines)
 {
     create(48, 32, 29, 32);
