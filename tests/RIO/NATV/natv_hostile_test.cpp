@@ -107,6 +107,43 @@ TEST(HostileNative, SmallFilesThatTellOfMuchGetLittleMemory)
     rio_close(file);
 }
 
+// 1 when all lines went out; 0 with rio_errno.
+static int write_small(int type, int tile)
+{
+    memory_file memory(20000);
+    RFILE *file = new_file(memory, RIO_FORMAT_NATV, 37, 5, type);
+    if (!file)
+        return 0;
+    int done = (!tile || set_key(file, RIO_KEY_TILE_WIDTH, tile) == 0) && set_key(file, RIO_KEY_OVERVIEW_COUNT, 1) == 0;
+    const bytes line(64, 3);
+    for (int y = 0; done && y < 5; y++)
+        done = rio_putline_rgb(file, line.data(), line.data(), line.data()) == 0;
+    const uint32_t error = rio_errno;
+    rio_close(file);
+    rio_errno = done ? 0 : error;
+    return done;
+}
+
+TEST(HostileNative, EveryFailedAllocationOfAWriterIsTold)
+{
+    for (const auto &[type, tile] : { std::pair { 29, 0 }, { 27, 32 }, { 28, 0 }, { 10, 0 }, { 9, 32 }, { 24, 0 } }) {
+        int n = 0;
+        for (; n < 60; n++) {
+            mem_fail_countdown = n;
+            const int done = write_small(type, tile);
+            const bool reached = mem_fail_countdown < 0;
+            mem_fail_countdown = -1;
+            if (!reached) {
+                EXPECT_EQ(done, 1) << type;
+                break;
+            }
+            EXPECT_TRUE(done || rio_errno == RIO_NO_MEMORY) << type << " " << n << " " << rio_errno;
+        }
+        EXPECT_LT(n, 60) << type;
+        EXPECT_GT(n, 2) << type;
+    }
+}
+
 TEST(HostileNative, CutAtEveryByte)
 {
     for (const variant &v : variants) {
