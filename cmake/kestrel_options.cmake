@@ -10,6 +10,7 @@ if(NOT CMAKE_BUILD_TYPE)
 endif()
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -ftree-vectorize -DNDEBUG")
 set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -ftree-vectorize -g1")
+set(CMAKE_CXX_FLAGS_SANITIZED "-O1 -g1")   # with KESTREL_SANITIZE: quick to build
 
 # The arithmetic is part of the design: no contraction, no fast-math.
 add_compile_options(-Wall -Wextra -Wshadow -Wconversion -Werror -ffp-contract=off )
@@ -38,15 +39,26 @@ function(kestrel_layer name)
   endif()
 endfunction()
 
-# kestrel_test(NAME SOURCES file... LINKS lib...) - one GoogleTest program, one CTest entry.
+# What a test says is not worth optimising or watching: the code that it calls is.
+function(kestrel_test_options target)
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
+  target_compile_options(${target} PRIVATE -O0)
+  if(KESTREL_SANITIZE)
+    target_compile_options(${target} PRIVATE -fno-sanitize=all)
+  endif()
+  target_compile_definitions(${target} PRIVATE
+    KESTREL_DATA_ROOT="${PROJECT_BINARY_DIR}/share/tarn"
+    KESTREL_SOURCE_ROOT="${PROJECT_SOURCE_DIR}")
+endfunction()
+
+# kestrel_test(NAME SOURCES file... LINKS lib...) - one GoogleTest program, one CTest entry. GoogleTest's header is compiled once
+# for all of them (tests/support).
 function(kestrel_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LINKS} GTest::gtest_main)
-  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
-  target_compile_definitions(${name} PRIVATE
-    KESTREL_DATA_ROOT="${PROJECT_BINARY_DIR}/share/tarn"
-    KESTREL_SOURCE_ROOT="${PROJECT_SOURCE_DIR}")
+  kestrel_test_options(${name})
+  target_precompile_headers(${name} REUSE_FROM test_header)
   add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300)
 endfunction()
