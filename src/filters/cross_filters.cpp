@@ -12,8 +12,8 @@ void sobel_bytes(uint8_t *__restrict out, const uint8_t *a, const uint8_t *b, co
     for (int i = 0; i < count; i++) {
         const int16_t gy = int16_t(a[i] + 2 * a[i + 1] + a[i + 2] - c[i] - 2 * c[i + 1] - c[i + 2]);
         const int16_t gx = int16_t(a[i + 2] + 2 * b[i + 2] + c[i + 2] - a[i] - 2 * b[i] - c[i]);
-        const int16_t ay = int16_t(gy < 0 ? -gy : gy), ax = int16_t(gx < 0 ? -gx : gx);
-        const uint16_t larger = uint16_t(std::max(ay, ax));
+        const int16_t ay = int16_t(std::abs(gy)), ax = int16_t(std::abs(gx));
+        const uint16_t larger = uint16_t(ay > ax ? ay : ax);
         out[i] = uint8_t(uint16_t(larger + 2) >> 2);
     }
 }
@@ -37,9 +37,9 @@ __attribute__((target_clones("avx2", "default")))
 void roberts_bytes(uint8_t *__restrict out, const uint8_t *above, const uint8_t *row, int count)
 {
     for (int i = 0; i < count; i++) {
-        const uint8_t rising = uint8_t(std::max(above[i + 1], row[i]) - std::min(above[i + 1], row[i]));
-        const uint8_t falling = uint8_t(std::max(above[i], row[i + 1]) - std::min(above[i], row[i + 1]));
-        out[i] = std::max(rising, falling);
+        const int16_t rising = int16_t(above[i + 1] - row[i]), falling = int16_t(above[i] - row[i + 1]);
+        const int16_t up = int16_t(std::abs(rising)), down = int16_t(std::abs(falling));
+        out[i] = uint8_t(up > down ? up : down);
     }
 }
 

@@ -97,7 +97,13 @@ void copy_block(const uint8_t *src, int64_t src_stride, uint8_t *dst, int64_t ds
         memcpy(dst + r * dst_stride, src + r * src_stride, size_t(cols));
 }
 
-// A row block of tiles. Each tile is gathered, transposed close to the processor and put down in whole rows.
+// With such rows a column's pixels fall on a few places of the cache.
+bool crowds_cache(int row_bytes)
+{
+    return row_bytes % TILE == 0;
+}
+
+// A row block of tiles. Where rows crowd the cache each tile is gathered, transposed close to the processor and put down in whole rows.
 int transpose_row_block(const uint8_t *src, uint8_t *dst, int rows, int cols, int r, uint8_t *gathered, uint8_t *turned)
 {
     const int tile_rows = std::min(TILE, rows - r);
@@ -107,9 +113,14 @@ int transpose_row_block(const uint8_t *src, uint8_t *dst, int rows, int cols, in
             report(REPORT_WARNING, "Program aborted\n");
             return -4;
         }
-        copy_block(src + int64_t{r} * cols + c, cols, gathered, tile_cols, tile_rows, tile_cols);
-        transpose_block(gathered, tile_cols, turned, tile_rows, tile_rows, tile_cols);
-        copy_block(turned, tile_rows, dst + int64_t{c} * rows + r, rows, tile_cols, tile_rows);
+        const uint8_t *const from = src + int64_t{r} * cols + c;
+        uint8_t *const to = dst + int64_t{c} * rows + r;
+        if (crowds_cache(rows) || crowds_cache(cols)) {
+            copy_block(from, cols, gathered, tile_cols, tile_rows, tile_cols);
+            transpose_block(gathered, tile_cols, turned, tile_rows, tile_rows, tile_cols);
+            copy_block(turned, tile_rows, to, rows, tile_cols, tile_rows);
+        } else
+            transpose_block(from, cols, to, rows, tile_rows, tile_cols);
     }
     return 0;
 }
@@ -144,8 +155,8 @@ int mirror_band(const uint8_t *src, uint8_t *dst, int rows, int cols)
 void transpose_block(const uint8_t *src, int64_t src_stride, uint8_t *dst, int64_t dst_stride, int rows, int cols)
 {
     const int whole_rows = rows & -SQUARE, whole_cols = cols & -SQUARE;
-    for (int top = 0; top < whole_rows; top += LINE)
-        for (int left = 0; left < whole_cols; left += LINE)
+    for (int left = 0; left < whole_cols; left += LINE)
+        for (int top = 0; top < whole_rows; top += LINE)
             for (int c = left; c < std::min(left + LINE, whole_cols); c += SQUARE)
                 for (int r = top; r < std::min(top + LINE, whole_rows); r += SQUARE)
                     transpose_square(src + r * src_stride + c, src_stride, dst + c * dst_stride + r, dst_stride);
