@@ -1,4 +1,5 @@
 #include "filters/neighbourhood_rows.h"
+#include "filters/vector_clones.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -6,7 +7,7 @@
 namespace {
 
 // No clamp: four times 255 is the largest gradient, and a quarter of it is wanted.
-__attribute__((target_clones("avx2", "default")))
+VECTOR_CLONES
 void sobel_bytes(uint8_t *__restrict out, const uint8_t *a, const uint8_t *b, const uint8_t *c, int count)
 {
     for (int i = 0; i < count; i++) {
@@ -33,7 +34,7 @@ void sobel_wide_row(uint8_t *out, const int16_t *const *rows, int cols, const vo
     }
 }
 
-__attribute__((target_clones("avx2", "default")))
+VECTOR_CLONES
 void roberts_bytes(uint8_t *__restrict out, const uint8_t *above, const uint8_t *row, int count)
 {
     for (int i = 0; i < count; i++) {

@@ -1,4 +1,5 @@
 #include "filters/neighbourhood_rows.h"
+#include "filters/vector_clones.h"
 
 #include <algorithm>
 
@@ -53,7 +54,7 @@ const uint8_t *tap_row(const uint8_t *const *rows, int place)
     return rows[place / 3] + place % 3;
 }
 
-__attribute__((target_clones("avx2", "default")))
+VECTOR_CLONES
 void add_and_take(uint8_t *__restrict out, const uint8_t *p0, const uint8_t *p1, const uint8_t *p2,
                   const uint8_t *m0, const uint8_t *m1, const uint8_t *m2, int count)
 {
@@ -90,7 +91,7 @@ struct laplacian {
 
 // Sums stay below 12 * 255 = 3060. With e = reciprocal * divisor - 2^15, less than 8, 3060 * e is below 2^15: the product's upper half
 // is the truncated quotient. `highest` is the largest sum whose quotient is 255. Negative sums give 0 whatever the divisor.
-__attribute__((target_clones("avx2", "default")))
+VECTOR_CLONES
 void laplacian_bytes(uint8_t *__restrict out, const uint8_t *above, const uint8_t *row, const uint8_t *below, int count, uint16_t weight,
                      uint16_t reciprocal, int16_t highest)
 {

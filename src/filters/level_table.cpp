@@ -1,4 +1,5 @@
 #include "filters/level_table.h"
+#include "filters/vector_clones.h"
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -95,7 +96,7 @@ int apply_lut(const uint8_t *src, uint8_t *dst, const int16_t *map, size_t count
     return 1;
 }
 
-__attribute__((target_clones("avx2", "default")))
+VECTOR_CLONES
 void invert_pixels(const uint8_t *src, uint8_t *dst, size_t count)
 {
     for (size_t i = 0; i < count; i++)

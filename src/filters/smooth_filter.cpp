@@ -1,6 +1,7 @@
 // smooth_filter.cpp - the mean over a rectangle. Sums over the kernel's rows are kept for each column: going down a row, each gains
 // the sample that enters at the bottom and loses the one that leaves at the top, so that the cost does not grow with the kernel's height.
 #include "filters/neighbourhood_rows.h"
+#include "filters/vector_clones.h"
 
 #include <bit>
 
@@ -38,7 +39,7 @@ inline __attribute__((always_inline)) void mean_row(uint8_t *__restrict out, con
     }
 }
 
-__attribute__((target_clones("avx2", "default")))
+VECTOR_CLONES
 void mean_small_row(uint8_t *out, const uint16_t *sums, int count, int width, const small_mean &mean)
 {
     switch (width) {
@@ -54,14 +55,14 @@ void mean_small_row(uint8_t *out, const uint16_t *sums, int count, int width, co
     }
 }
 
-__attribute__((target_clones("avx2", "default")))
+VECTOR_CLONES
 void enter_row(uint16_t *__restrict sums, const uint8_t *bottom, int cols)
 {
     for (int c = 0; c < cols; c++)
         sums[c] = uint16_t(sums[c] + bottom[c]);
 }
 
-__attribute__((target_clones("avx2", "default")))
+VECTOR_CLONES
 void next_row(uint16_t *__restrict sums, const uint8_t *bottom, const uint8_t *leaving, int cols)
 {
     for (int c = 0; c < cols; c++)
