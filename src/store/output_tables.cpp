@@ -21,15 +21,17 @@ int level(int16_t value)
     return std::clamp<int>(value, 0, 255);
 }
 
-// What the session's gamma shows brighter or darker than the reference curve, the one of a linear display, is taken out. 0 when
-// they are the same.
+// The inverse of the display gamma: what the operator sees becomes the levels written. 0 when the gamma changes nothing.
 int invert_gamma(uint8_t t[256])
 {
-    if (memcmp(gamma_table, gamma_ref, sizeof gamma_ref) == 0)
+    bool linear = true;
+    for (int i = 0; i < 256; i++)
+        linear = linear && gamma_table[i] == i;
+    if (linear)
         return 0;
     memset(t, 255, 256);
     for (int i = 0; i < 256; i++)
-        t[std::clamp(i + gamma_table[i] - gamma_ref[i], 0, 255)] = uint8_t(i);
+        t[gamma_table[i]] = uint8_t(i);
     t[0] = 0;
     for (int i = 254; i >= 1; i--)
         if (t[i] > 254)

@@ -4,7 +4,7 @@ set(copy_sources copy_any.cpp ${PROJECT_SOURCE_DIR}/src/tools/copy_form.cpp ${PR
 foreach(name native tiff sym xbm pnm sun)
   add_test(NAME fuzz_copy_${name} COMMAND fuzz_copy ${CMAKE_CURRENT_BINARY_DIR}/seeds_${name}
     WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
-  set_tests_properties(fuzz_copy_${name} PROPERTIES FIXTURES_REQUIRED seeds_${name} TIMEOUT 900)
+  set_tests_properties(fuzz_copy_${name} PROPERTIES FIXTURES_REQUIRED seeds_${name} TIMEOUT 900 ENVIRONMENT KESTREL_FUZZ_SECONDS=5)
 endforeach()
 add_executable(fuzz_copy ${copy_sources} fuzz_main.cpp)
 target_link_libraries(fuzz_copy PRIVATE rio)

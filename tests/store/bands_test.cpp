@@ -164,7 +164,7 @@ struct OutputTables : ::testing::Test {
         session_reset();
         for (int i = 0; i < 256; i++) {
             lut[i] = int16_t(i);
-            gamma_table[i] = gamma_ref[i] = uint8_t(i);
+            gamma_table[i] = uint8_t(i);
         }
     }
 };
@@ -214,24 +214,6 @@ TEST_F(OutputTables, TheDisplayGammaIsUndone)
     EXPECT_EQ(r[129], 3);              // the last level shown as 129
     EXPECT_EQ(r[255], 255);            // 255 / 2 + 128 is 255
     EXPECT_EQ(r[50], 1);               // a hole takes the next entry above: 128 is level 1
-}
-
-// Only what the gamma differs from the curve of a linear display is undone.
-TEST_F(OutputTables, TheReferenceCurveItselfIsNotUndone)
-{
-    for (int i = 0; i < 256; i++)
-        gamma_table[i] = gamma_ref[i] = uint8_t(i > 0 ? 128 + i / 2 : 0);
-    output_tables(1, lut, lut, lut, &r, &g, &b);
-    EXPECT_EQ(r, nullptr);
-    for (int i = 0; i < 256; i++)
-        gamma_table[i] = uint8_t(gamma_ref[i] > 10 ? gamma_ref[i] - 10 : 0);
-    output_tables(1, lut, lut, lut, &r, &g, &b);
-    ASSERT_NE(r, nullptr);
-    EXPECT_EQ(r[0], 0);
-    EXPECT_EQ(r[1], 11);               // entry i - 10 holds i
-    EXPECT_EQ(r[200], 210);
-    EXPECT_EQ(r[245], 255);
-    EXPECT_EQ(r[250], 255);            // nothing is shown so bright
 }
 
 TEST_F(Bands, ASinglePixelHasMemory)

@@ -28,6 +28,10 @@ struct Write : screen_session {
     void SetUp() override
     {
         screen_session::SetUp();
+        // A linear display: its gamma takes nothing out of colour files.
+        display_mode |= GAMMA_DEF;
+        gamma_value = 1.0;
+        gamma_apply();
         fs::remove_all(room);
         fs::create_directory(room);
     }
