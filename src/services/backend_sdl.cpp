@@ -24,6 +24,7 @@ struct desktop_window {
     int picture_stride;                // pixels
     SDL_Rect view;                     // where the picture lies in the OS window
     SDL_Cursor *cursors[CURSORS];
+    int held_keys;                     // KMOD_ bits as the keys taken so far leave them; the keyboard itself may be ahead
 };
 
 static desktop_window desktop;
@@ -229,9 +230,9 @@ static void place_event(backend_event *event, int x, int y)
 }
 
 // The right Alt key makes characters on many keyboards and is no modifier here.
-static int modifiers_now()
+static int modifiers_held()
 {
-    const int state = SDL_GetModState();
+    const int state = desktop.held_keys;
     return (state & KMOD_CTRL ? BACKEND_CTRL : 0) | (state & KMOD_SHIFT ? BACKEND_SHIFT : 0) | (state & KMOD_LALT ? BACKEND_ALT : 0);
 }
 
@@ -323,7 +324,9 @@ static bool translate(const SDL_Event &from, backend_event *event)
 {
     *event = {};
     event->time = from.common.timestamp;
-    event->modifiers = modifiers_now();
+    if (from.type == SDL_KEYDOWN || from.type == SDL_KEYUP)
+        desktop.held_keys = from.key.keysym.mod;
+    event->modifiers = modifiers_held();
     switch (from.type) {
     case SDL_MOUSEMOTION:
         event->kind = BACKEND_MOVE;
