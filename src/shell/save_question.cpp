@@ -39,7 +39,7 @@ int ask_save_changes(int w)
     switch (question_box("WARNING", text, answers, 3, HEIGHT)) {
     case 0:
         run_save_image(w);
-        return 1;
+        return windows[w].changed ? 0 : 1;   // a save that failed or was given up must not cost the image
     case 1:
         return -1;
     default:

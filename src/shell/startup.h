@@ -11,5 +11,5 @@ void options_parse(int argc, char **argv);
 void main_end();                       // frees the bands, puts the colour table back, leaves the services
 int  kestrel_run(int argc, char **argv);  // start-up, main loop, end: the exit status
 void quit();                           // command: every wait answers INPUT_QUIT from now on
-int  ask_save_changes(int window);     // 1 saved, -1 nothing to save or not wanted, 0 cancelled
+int  ask_save_changes(int window);     // 1 saved, -1 nothing to save or not wanted, 0 cancelled or not saved
 int  ask_save_on_exit();               // 0: do not quit

@@ -55,6 +55,7 @@ def stretched(level):
 gray, colour, bits = gray_picture(61, 40), colour_picture(61, 40), bilevel_picture(61, 40)
 keep("gray.pgm", raw_text(gray))
 keep("colour.ppm", raw_text(colour))
+keep("linear.def", b"misc : gamma = 1.0\n")   # a linear display: no gamma is taken out of colour files
 keep("bits.pbm", need(["convert", "pgm:-", "-monochrome", "pbm:-"], raw_text(bits)))
 wanted = gray[:3] + (bytes(stretched(v) for v in gray[3]),)
 stretch = ['args gray.pgm', 'menu "Histogram/Linear Stretch/Clip In"', 'keyin "60"', 'keyin "180"']
@@ -64,10 +65,10 @@ fresh("gray_out.pgm", "gray_out.ras", "gray_out.tif", "colour_out.ppm", "colour_
 play("gray PNM", stretch + ['run write_cot', 'keyin "gray_out.pgm"'], PNM)
 play("gray Sun", stretch + ['run write_cot', 'keyin "gray_out.ras"'], SUN)
 play("gray TIFF", stretch + ['menu "File/Save As"', 'field "filename" "gray_out"', 'gadget "tiff"', 'gadget "accept"'])
-play("colour PNM", ['args colour.ppm', 'run write_rgb', 'keyin "colour_out.ppm"', 'reset'], PNM)
-play("colour Sun", ['args colour.ppm', 'run write_rgb', 'keyin "colour_out.ras"', 'reset'], SUN)
-play("colour TIFF", ['args colour.ppm', 'menu "File/Save As"', 'field "filename" "colour_out"', 'gadget "tiff"', 'gadget "accept"'])
-play("colour LZW", ['args colour.ppm', 'menu "File/Save As"', 'field "filename" "lzw_out"', 'gadget "tiff"', 'gadget "compressed"',
+play("colour PNM", ['args -d linear.def colour.ppm', 'run write_rgb', 'keyin "colour_out.ppm"', 'reset'], PNM)
+play("colour Sun", ['args -d linear.def colour.ppm', 'run write_rgb', 'keyin "colour_out.ras"', 'reset'], SUN)
+play("colour TIFF", ['args -d linear.def colour.ppm', 'menu "File/Save As"', 'field "filename" "colour_out"', 'gadget "tiff"', 'gadget "accept"'])
+play("colour LZW", ['args -d linear.def colour.ppm', 'menu "File/Save As"', 'field "filename" "lzw_out"', 'gadget "tiff"', 'gadget "compressed"',
                     'gadget "accept"'])
 play("bits PNM", ['args bits.pbm', 'run write_bin', 'keyin "bits_out.pbm"'], PNM)
 play("bits XBM", ['args bits.pbm', 'run write_bin', 'keyin "bits_out.xbm"'], XBM)

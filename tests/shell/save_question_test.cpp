@@ -8,10 +8,13 @@
 namespace {
 
 int saves, saved_window;
+bool save_works;
 
 void note_save()
 {
     saves++;
+    if (save_works)
+        windows[active_window].changed = 0;
     saved_window = active_window;
 }
 
@@ -27,6 +30,7 @@ struct SaveQuestion : Workstation {
         kept = *row;
         row->handler = note_save;
         saves = 0;
+        save_works = true;
         saved_window = -2;
     }
 
@@ -83,6 +87,16 @@ TEST_F(SaveQuestion, YesSavesThatWindow)
     EXPECT_EQ(saves, 1);
     EXPECT_EQ(saved_window, w);
     EXPECT_EQ(active_window, other);
+}
+
+TEST_F(SaveQuestion, ASaveThatFailsKeepsTheImage)
+{
+    const int w = changed_window(100);
+    save_works = false;
+    answer("Yes");
+    EXPECT_EQ(ask_save_changes(w), 0);
+    EXPECT_EQ(saves, 1);
+    EXPECT_EQ(windows[w].changed, 1);
 }
 
 TEST_F(SaveQuestion, NoAndCancelSaveNothing)
