@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "tools/copy_header.h"
 #include "tools/refusals.h"
 
 namespace {
@@ -76,6 +77,45 @@ int settle_area(RFILE *in, copy_plan *plan)
     return lines.x0 <= lines.x1 && lines.y0 <= lines.y1;
 }
 
+// Tiles stay only in a file of the same coding.
+int settle_tiles(RFILE *in, const copy_plan &plan)
+{
+    if (plan.wish.tile_size >= 0)
+        return plan.wish.tile_size;
+    const bool same_coding = key(in, RIO_KEY_FORMAT) == plan.form.format && key(in, RIO_KEY_DATA_TYPE) == plan.form.type;
+    const int width = key(in, RIO_KEY_TILE_WIDTH);
+    return same_coding && width == key(in, RIO_KEY_TILE_HEIGHT) ? width : 0;
+}
+
+bool is_whole(const copy_lines &lines, RFILE *in)
+{
+    return lines.x0 == 0 && lines.y0 == 0 && lines.step == 1 && lines.x1 == lines.width - 1
+           && lines.y1 == key(in, RIO_KEY_HEIGHT) - 1;
+}
+
+bool holds_overviews(int format) { return format == RIO_FORMAT_NATV || format == RIO_FORMAT_TIFF; }
+
+bool same_class_in_overviews(RFILE *in, int count)
+{
+    const copy_class samples = class_of_file(in);
+    bool same = true;
+    for (int n = 0; n < count && same; n++)
+        same = rio_set_active_ov(in, n) == 0 && class_of_file(in) == samples;
+    rio_set_active_ov(in, -1);
+    return same;
+}
+
+void settle_overviews(RFILE *in, copy_plan *plan)
+{
+    plan->overviews = plan->wish.overviews;
+    if (plan->overviews >= 0)
+        return;
+    const int count = key(in, RIO_KEY_OVERVIEW_COUNT);
+    plan->carry_overviews = is_whole(plan->lines, in) && holds_overviews(plan->form.format) && count <= MOST_OVERVIEWS
+                            && same_class_in_overviews(in, count);
+    plan->overviews = plan->carry_overviews ? count : 0;
+}
+
 // --- the new file --------------------------------------------------------------------------------------------------------
 
 bool set_header(RFILE *out, const copy_plan &plan)
@@ -87,13 +127,13 @@ bool set_header(RFILE *out, const copy_plan &plan)
         good = set_key(out, KEY_COMPRESSION, form.compression);
     if (good && form.format == RIO_FORMAT_TIFF && form.samples == COPY_BITS)
         good = set_key(out, KEY_TIFF_PHOTOMETRIC, TIFF_WHITE_IS_ZERO);
-    if (good && plan.wish.tile_size > 0)
-        good = set_key(out, RIO_KEY_TILE_WIDTH, plan.wish.tile_size);
+    if (good && plan.tile_size > 0)
+        good = set_key(out, RIO_KEY_TILE_WIDTH, plan.tile_size);
     if (good && plan.table)
         good = set_key(out, RIO_KEY_VLT_TYPE, 2) && set_key(out, RIO_KEY_VLT_ENTRIES, RIO_VLT_SIZE)
                && rio_put_vlt(out, plan.colours) == 0;
-    if (good && plan.wish.overviews > 0)
-        good = set_key(out, RIO_KEY_OVERVIEW_COUNT, plan.wish.overviews);
+    if (good && plan.overviews > 0)
+        good = set_key(out, RIO_KEY_OVERVIEW_COUNT, plan.overviews);
     return good;
 }
 
@@ -141,17 +181,54 @@ int copy_pass(const copy_lines &lines, copy_course *course, copy_failure *why)
     return say_result(result, line, why);
 }
 
-copy_lines lines_of_overview(copy_lines lines, int n)
+// The lines of overview n: the source's own, or every so many of the image's.
+copy_lines lines_of_overview(const copy_plan &plan, copy_lines lines, int n)
 {
-    lines.step *= 2 << n;
+    if (!plan.carry_overviews) {
+        lines.step *= 2 << n;
+        return lines;
+    }
+    lines.width = key(lines.in, RIO_KEY_WIDTH);
+    lines.x1 = lines.width - 1;
+    lines.y1 = key(lines.in, RIO_KEY_HEIGHT) - 1;
     return lines;
 }
 
-int begin_overview(const copy_lines &lines, int n, int tile_size)
+int begin_overview(const copy_plan &plan, const copy_lines &lines, int n)
 {
-    return rio_set_active_ov(lines.out, n) == 0 && set_key(lines.out, RIO_KEY_OVERVIEW_FACTOR, 2 << n)
+    const int factor = plan.carry_overviews ? key(lines.in, RIO_KEY_OVERVIEW_FACTOR) : 2 << n;
+    return rio_set_active_ov(lines.out, n) == 0 && set_key(lines.out, RIO_KEY_OVERVIEW_FACTOR, factor)
            && set_key(lines.out, RIO_KEY_WIDTH, copied_columns(lines)) && set_key(lines.out, RIO_KEY_HEIGHT, copied_rows(lines))
-           && (tile_size == 0 || set_key(lines.out, RIO_KEY_TILE_WIDTH, tile_size));
+           && (plan.tile_size == 0 || set_key(lines.out, RIO_KEY_TILE_WIDTH, plan.tile_size));
+}
+
+int copy_overviews(const copy_plan &plan, const copy_lines &base, copy_course *course, copy_failure *why)
+{
+    for (int n = 0; n < plan.overviews; n++) {
+        if (plan.carry_overviews && rio_set_active_ov(base.in, n) != 0)
+            return fail(why, false, failure_text(rio_errno));
+        if (base.upside_down)
+            rio_randomize(base.in);
+        const copy_lines overview = lines_of_overview(plan, base, n);
+        if (!begin_overview(plan, overview, n))
+            return fail_output(why);
+        if (!copy_pass(overview, course, why))
+            return 0;
+    }
+    return 1;
+}
+
+int64_t lines_of_all(const copy_plan &plan, const copy_lines &base)
+{
+    int64_t all = copied_rows(base);
+    for (int n = 0; n < plan.overviews; n++) {
+        if (plan.carry_overviews)
+            rio_set_active_ov(base.in, n);
+        all += copied_rows(lines_of_overview(plan, base, n));
+    }
+    if (plan.carry_overviews)
+        rio_set_active_ov(base.in, -1);
+    return all;
 }
 
 } // namespace
@@ -169,6 +246,8 @@ int copy_begin(RFILE *in, const copy_wish &wish, copy_plan *plan, copy_failure *
         return fail(why, true, "the format cannot hold such an image");
     plan->lines.to = plan->form.samples;
     plan->orientation = key(in, RIO_KEY_ORIENTATION) & 7;
+    plan->tile_size = settle_tiles(in, *plan);
+    settle_overviews(in, plan);
     return 1;
 }
 
@@ -180,19 +259,12 @@ int copy_run(const copy_plan &plan, RFILE *out, void (*shown)(int64_t done, int6
         return fail_output(why);
     if (!settle_orientation(out, plan.orientation, &lines))
         return fail(why, true, "the format has no images that lie in columns");
+    mem_ptr<uint8_t> packets;
+    const bool whole = is_whole(lines, lines.in) && !lines.mirrored && !lines.upside_down;
+    if (!carry_header(lines.in, out, whole, &packets))
+        return fail(why, false, failure_text(rio_errno ? rio_errno : uint32_t{ RIO_NO_MEMORY }));
     if (rio_write_header(out) != 0)
         return fail_output(why);
-    copy_course course = { shown, 0, copied_rows(lines) };
-    for (int n = 0; n < plan.wish.overviews; n++)
-        course.all += copied_rows(lines_of_overview(lines, n));
-    if (!copy_pass(lines, &course, why))
-        return 0;
-    for (int n = 0; n < plan.wish.overviews; n++) {
-        const copy_lines overview = lines_of_overview(lines, n);
-        if (!begin_overview(overview, n, plan.wish.tile_size))
-            return fail_output(why);
-        if (!copy_pass(overview, &course, why))
-            return 0;
-    }
-    return 1;
+    copy_course course = { shown, 0, lines_of_all(plan, lines) };
+    return copy_pass(lines, &course, why) && copy_overviews(plan, lines, &course, why);
 }

@@ -12,7 +12,8 @@ enum { MOST_OVERVIEWS = 16, MOST_INCREMENT = 16384 };   // so that no step overf
 struct copy_wish {
     const char *compression = nullptr; // one of compression_words()
     int format = -1;                   // -1: that of the source
-    int type = 0, tile_size = 0, overviews = 0, increment = 1, image = 0;
+    int tile_size = -1, overviews = -1; // -1: as the source has them, where that makes sense
+    int type = 0, increment = 1, image = 0;
     int area[4] = { 0, 0, INT_MAX, INT_MAX };   // x0, y0, x1, y1, inclusive; what lies outside is left out
 };
 
@@ -26,6 +27,8 @@ struct copy_plan {
     copy_form form;
     copy_lines lines;
     int orientation;
+    int tile_size, overviews;
+    bool carry_overviews;              // they are copied from the source's, not made anew
     bool table;                        // the colours go along
     rio_vlt_entry colours[RIO_VLT_SIZE];
 };

@@ -1,5 +1,5 @@
 // rioinfo - shows what raster files hold: format, size, samples, data type, orientation, colours, images, overviews,
-// tiles. Exit status: 0 all files were shown, 1 one could not be opened, 2 wrong usage.
+// tiles, texts, packets. Exit status: 0 all files were shown, 1 one could not be opened, 2 wrong usage.
 #include "RIO/rio.h"
 #include "mem.h"
 #include "tools/refusals.h"
@@ -99,6 +99,29 @@ static void print_matrix(RFILE *file)
                m[4 * row + 3]);
 }
 
+// A text of the header; control characters, which a terminal would obey, become question marks.
+static void print_text(RFILE *file, const char *label, int number)
+{
+    char text[256] = "";
+    if (rio_get_hdr_data(file, number, text) != 0 || !text[0])
+        return;
+    for (char *p = text; *p; p++)
+        if ((unsigned char)*p < ' ' || *p == 127)
+            *p = '?';
+    printf("  %-14s %s\n", label, text);
+}
+
+static void print_texts(RFILE *file)
+{
+    print_text(file, "creator:", RIO_KEY_CREATOR);
+    print_text(file, "comment:", RIO_KEY_COMMENT);
+    print_text(file, "label 1:", RIO_KEY_LABEL1);
+    print_text(file, "label 2:", RIO_KEY_LABEL2);
+    print_text(file, "label 3:", RIO_KEY_LABEL3);
+    if (const int32_t words = key(file, RIO_KEY_PACKET_WORDS); words > 0)
+        printf("  %-14s %d words\n", "packets:", words);
+}
+
 static void print_colours(RFILE *file, const options &wanted)
 {
     const int32_t type = key(file, RIO_KEY_VLT_TYPE), entries = key(file, RIO_KEY_VLT_ENTRIES);
@@ -143,6 +166,7 @@ static void print_image(RFILE *file, const options &wanted)
     else
         printf("  %-14s none\n", "tiles:");
     print_overviews(file);
+    print_texts(file);
     print_matrix(file);
 }
 

@@ -1,6 +1,6 @@
 # riocopy's work over damaged files, with the seeds of every reader.
-set(copy_sources copy_any.cpp ${PROJECT_SOURCE_DIR}/src/tools/copy_form.cpp ${PROJECT_SOURCE_DIR}/src/tools/copy_image.cpp
-  ${PROJECT_SOURCE_DIR}/src/tools/copy_lines.cpp ${PROJECT_SOURCE_DIR}/src/tools/refusals.cpp)
+set(copy_sources copy_any.cpp ${PROJECT_SOURCE_DIR}/src/tools/copy_form.cpp ${PROJECT_SOURCE_DIR}/src/tools/copy_header.cpp
+  ${PROJECT_SOURCE_DIR}/src/tools/copy_image.cpp ${PROJECT_SOURCE_DIR}/src/tools/copy_lines.cpp ${PROJECT_SOURCE_DIR}/src/tools/refusals.cpp)
 foreach(name native tiff sym xbm pnm sun)
   add_test(NAME fuzz_copy_${name} COMMAND fuzz_copy ${CMAKE_CURRENT_BINARY_DIR}/seeds_${name}
     WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})

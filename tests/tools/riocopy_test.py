@@ -134,6 +134,45 @@ equal("tiles", "tiles:         32 x 32" in about, True)
 equal("overviews", "75 x 45, reduced by 2" in about and "38 x 23, reduced by 4" in about, True)
 equal("base image", same(pixels("big.cot"), big), True)
 
+# What the file has of its own goes along: tiles and overviews, texts, placement and packets.
+expect("tiles and overviews stay", [path("big.cot"), path("big2.cot")], 0)
+equal("the same file but for its name", content("big2.cot") == content("big.cot"), True)
+expect("an area has none", ["-a", "0,0,9,9", path("big.cot"), path("part.cot")], 0)
+equal("no overviews of an area", "overviews:     0" in run([INFO, path("part.cot")]).decode(), True)
+expect("tiles go to strips", ["-s", "0", "-o", "0", path("big.cot"), path("plain.cot")], 0)
+equal("no tiles", "tiles:         none" in run([INFO, path("plain.cot")]).decode(), True)
+expect("overviews into TIFF", [path("big.cot"), path("big.tif")], 0)
+equal("75 x 45", "75 x 45" in run([INFO, "-e", path("big.tif")]).decode(), True)
+
+told = bytearray(2048 + 6)
+struct.pack_into("<4H", told, 0, 0x0908, 1022, 2, 9)
+struct.pack_into("<16d", told, 56, *[float(n + 1) for n in range(16)])
+struct.pack_into("<2I", told, 184, 3, 2)
+told[194], told[511] = 4, 3
+for at, text in ((214, b"first label"), (346, b"third label"), (412, b"by hand"), (780, b"seen from the north")):
+    told[at:at + len(text)] = text
+struct.pack_into("<d", told, 520, 2.5)
+struct.pack_into("<2I", told, 540, 2048 - 1024, 512)
+struct.pack_into("<3I", told, 768, 10, 20, 30)
+struct.pack_into("<2HI", told, 1024, 2, 13, 508)
+told[1032:1032 + 1016] = bytes(n % 251 for n in range(1016))
+told[2048:] = bytes((9, 8, 7, 6, 5, 4))
+put("told.cot", bytes(told))
+expect("a header with texts and packets", [path("told.cot"), path("told2.cot")], 0)
+again = content("told2.cot")
+for label, start, end in (("placement", 8, 184), ("labels and creator", 214, 492), ("aspect ratio", 520, 528),
+                          ("background and comment", 768, 980), ("packets", 1024, 2048)):
+    equal(label, again[start:end], bytes(told[start:end]))
+expect("half of it", ["-i", "2", path("told.cot"), path("half.cot")], 0)
+half = content("half.cot")
+equal("texts of a half", half[214:492], bytes(told[214:492]))
+equal("no placement of a half", struct.unpack_from("<16d", half, 56)[1:4], (0.0, 0.0, 0.0))
+told[412:416] = b"\x1b[2J"
+put("rude.cot", bytes(told))
+texts = run([INFO, path("rude.cot")]).decode()
+equal("texts shown", "  creator:       ?[2Jand\n  comment:       seen from the north\n  label 1:       first label\n"
+      "  label 3:       third label\n  packets:       512 words\n" in texts, True)
+
 # ---- standard input and output ------------------------------------------------------------------------------------------------
 
 equal("pipe to pipe", expect("pipe", ["-", "-"], 0, data=content("levels.pgm")), content("levels.pgm"))
