@@ -100,34 +100,49 @@ void chooser_load(file_chooser *chooser, form *f)
     form_set_label_text(f, chooser->directory_label, text);
 }
 
-int chooser_picked(file_chooser *chooser, form *f, char *out, int size)
+static void enter_directory(file_chooser *chooser, form *f, const char *path)
+{
+    snprintf(chooser->directory, sizeof chooser->directory, "%s", path);
+    chooser_load(chooser, f);
+}
+
+static int next_name(int label, int last_name) { return label < last_name ? label + 1 : label; }
+
+void chooser_fill_name(file_chooser *chooser, form *f, int last_name)
 {
     const char *entry = form_list_picked(f, chooser->list_label);
     if (!entry || !entry[0])
-        return 0;
+        return;
     if (strcmp(entry, PARENT) == 0) {
         go_up(chooser);
         chooser_load(chooser, f);
-        return 0;
+        return;
     }
     char path[sizeof chooser->directory];
     snprintf(path, sizeof path, "%s%s", chooser->directory, entry);
     if (path[strlen(path) - 1] == '\\') {
-        snprintf(chooser->directory, sizeof chooser->directory, "%s", path);
-        chooser_load(chooser, f);
-        return 0;
+        enter_directory(chooser, f, path);
+        return;
     }
-    snprintf(out, size_t(size), "%s", path);
-    return 1;
+    form_set_text(f, chooser->name_field, path);
+    chooser->name_field = next_name(chooser->name_field, last_name);
 }
 
-int chooser_enter(file_chooser *chooser, form *f, const char *typed, char *out, int size)
+void chooser_complete_name(file_chooser *chooser, form *f, int label, int last_name)
 {
-    if (!typed[0] || !host_is_directory(typed))
-        return 0;
+    const char *typed = form_text_of(f, label);
+    if (!typed[0])
+        return;
+    if (!host_is_directory(typed)) {
+        chooser->name_field = next_name(label, last_name);
+        if (chooser->name_field != label)
+            form_focus(f, chooser->name_field);
+        return;
+    }
+    char path[sizeof chooser->directory];
     const char last = typed[strlen(typed) - 1];
-    snprintf(out, size_t(size), last == '\\' || last == '/' ? "%s" : "%s\\", typed);
-    snprintf(chooser->directory, sizeof chooser->directory, "%s", out);
-    chooser_load(chooser, f);
-    return 1;
+    snprintf(path, sizeof path, last == '\\' || last == '/' ? "%s" : "%s\\", typed);
+    enter_directory(chooser, f, path);
+    form_set_text(f, label, path);
+    form_focus(f, label);
 }

@@ -33,7 +33,6 @@ struct read_form {
     form *shown;
     file_chooser chooser;
     int mode;
-    int name_field;                    // that a pick in the list fills
 };
 read_form the_form;
 
@@ -115,6 +114,8 @@ bool three_names()
     return the_form.mode & READ_REPLACE || form_is_on(the_form.shown, THREE_FILES);
 }
 
+int last_name() { return three_names() ? FILE_3 : FILE_1; }
+
 void update_states()
 {
     form *f = the_form.shown;
@@ -132,7 +133,7 @@ void update_states()
     for (int corner = AREA_X0; corner <= AREA_Y1; corner++)
         form_enable(f, corner, form_is_on(f, IMAGE_AREA) && !replacing);
     if (!three)
-        the_form.name_field = FILE_1;
+        the_form.chooser.name_field = FILE_1;
 }
 
 // --- the request -----------------------------------------------------------------------------------------------
@@ -285,34 +286,6 @@ int replace_named(char names[3][NAME_FIELD_SIZE])
 
 // --- running the form --------------------------------------------------------------------------------------------
 
-int next_name_field(int label)
-{
-    return three_names() && label < FILE_3 ? label + 1 : label;
-}
-
-// A completed name: a directory becomes the list's; in three-file mode a file's name moves the focus on.
-void complete_name(form *f, int label)
-{
-    char completed[NAME_FIELD_SIZE];
-    if (chooser_enter(&the_form.chooser, f, form_text_of(f, label), completed, sizeof completed)) {
-        form_set_text(f, label, completed);
-        form_focus(f, label);
-    } else if (form_text_of(f, label)[0]) {
-        the_form.name_field = next_name_field(label);
-        if (the_form.name_field != label)
-            form_focus(f, the_form.name_field);
-    }
-}
-
-void fill_name(form *f)
-{
-    char path[NAME_FIELD_SIZE];
-    if (!chooser_picked(&the_form.chooser, f, path, sizeof path))
-        return;
-    form_set_text(f, the_form.name_field, path);
-    the_form.name_field = next_name_field(the_form.name_field);
-}
-
 int notify(form *f, gadget *g, int event, void *data)
 {
     read_request *request = (read_request *)data;
@@ -321,11 +294,11 @@ int notify(form *f, gadget *g, int event, void *data)
     case FILE_2:
     case FILE_3:
         if (event == GADGET_COMPLETED)
-            complete_name(f, g->label);
+            chooser_complete_name(&the_form.chooser, f, g->label, last_name());
         return FORM_STAY;
     case FILE_LIST:
         if (event == GADGET_PICKED)
-            fill_name(f);
+            chooser_fill_name(&the_form.chooser, f, last_name());
         if (event != GADGET_PICKED_TWICE || three_names() || !is_file_name(form_text_of(f, FILE_1)))
             return FORM_STAY;
         return take_request(request) ? FORM_DONE : FORM_STAY;
@@ -355,7 +328,7 @@ int make_ready(int mode)
         chooser_init(&the_form.chooser, FILE_LIST, DIRECTORY);
     }
     the_form.mode = mode;
-    the_form.name_field = FILE_1;
+    the_form.chooser.name_field = FILE_1;
     form_set_title(the_form.shown, mode & READ_REPLACE ? "Replace Band" : "Read Image");
     if (mode & READ_REPLACE)
         for (int i = 0; i < 3; i++)

@@ -57,7 +57,6 @@ struct write_form {
     file_chooser chooser;
     int window;                        // whose image is written
     int bands[3];
-    int name_field;                    // that a pick in the list fills
 };
 write_form the_form;
 
@@ -160,6 +159,8 @@ bool three_names()
     return !is_bitmap() && is_colour_image() && !wants_colour();
 }
 
+int last_name() { return three_names() ? FILE_3 : FILE_1; }
+
 // Index in `types`, -1 when none is on.
 int chosen_type()
 {
@@ -194,7 +195,7 @@ void update_states()
     for (int corner = AREA_X0; corner <= AREA_Y1; corner++)
         form_enable(f, corner, form_is_on(f, IMAGE_AREA));
     if (!three)
-        the_form.name_field = FILE_1;
+        the_form.chooser.name_field = FILE_1;
     if (is_bitmap())
         return;
     for (int i = 1; i < 3; i++) {
@@ -465,29 +466,6 @@ int write_requested(const write_request &request)
 
 // --- running the form --------------------------------------------------------------------------------------------
 
-void complete_name(form *f, int label)
-{
-    char completed[NAME_FIELD_SIZE];
-    if (chooser_enter(&the_form.chooser, f, form_text_of(f, label), completed, sizeof completed)) {
-        form_set_text(f, label, completed);
-        form_focus(f, label);
-    } else if (form_text_of(f, label)[0]) {
-        the_form.name_field = three_names() && label < FILE_3 ? label + 1 : label;
-        if (the_form.name_field != label)
-            form_focus(f, the_form.name_field);
-    }
-}
-
-void fill_name(form *f)
-{
-    char path[NAME_FIELD_SIZE];
-    if (!chooser_picked(&the_form.chooser, f, path, sizeof path))
-        return;
-    form_set_text(f, the_form.name_field, path);
-    if (three_names() && the_form.name_field < FILE_3)
-        the_form.name_field++;
-}
-
 int notify(form *f, gadget *g, int event, void *data)
 {
     if (g->label >= TYPE_FIRST) {
@@ -499,11 +477,11 @@ int notify(form *f, gadget *g, int event, void *data)
     case FILE_2:
     case FILE_3:
         if (event == GADGET_COMPLETED)
-            complete_name(f, g->label);
+            chooser_complete_name(&the_form.chooser, f, g->label, last_name());
         return FORM_STAY;
     case FILE_LIST:
         if (event == GADGET_PICKED)
-            fill_name(f);
+            chooser_fill_name(&the_form.chooser, f, last_name());
         return FORM_STAY;
     case BROWSE:
         refuse("browse is not available yet%s", "");
@@ -538,7 +516,7 @@ int make_ready()
     if (!the_form.shown)
         chooser_init(&the_form.chooser, FILE_LIST, DIRECTORY);
     the_form.shown = built;
-    the_form.name_field = FILE_1;
+    the_form.chooser.name_field = FILE_1;
     if (!is_bitmap())
         form_set_on(the_form.shown, COLOUR_FORMAT, is_colour_image());
     form_set_on(the_form.shown, IMAGE_AREA, 0);
