@@ -148,7 +148,7 @@ TEST(HostileNative, CutAtEveryByte)
 {
     for (const variant &v : variants) {
         const bytes whole = good_file(v);
-        for (size_t cut = 0; cut < whole.size() && cut < 2048; cut += cut < 180 ? 7 : 1)
+        for (size_t cut = 0; cut < whole.size() && cut < 2048; cut++)
             read_all(bytes(whole.begin(), whole.begin() + long(cut)));
     }
 }
@@ -158,11 +158,10 @@ TEST(HostileNative, BitsTurnedInEveryByte)
     for (const variant &v : variants) {
         const bytes whole = good_file(v);
         for (size_t at = 0; at < whole.size(); at++) {
-            // The middle of a header is texts and numbers that nobody acts on.
-            if (at % 1024 > 200 && at < 1024 && at != 511 && (at < 520 || at > 547))
-                continue;
+            // The middle of a header is texts and numbers that nobody acts on: one bit of each byte is enough.
+            const bool text = at > 200 && at < 1024 && at != 511 && (at < 520 || at > 547);
             bytes bad = whole;
-            for (int bit = 0; bit < 8; bit += 3) {
+            for (int bit = text ? int(at % 8) : 0; bit < 8; bit += text ? 8 : 1) {
                 bad[at] = uint8_t(whole[at] ^ (1 << bit));
                 read_all(bad);
             }
