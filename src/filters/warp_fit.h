@@ -1,6 +1,7 @@
 // warp_fit.h - models fitted to matched control points by weighted least squares, and what is told about the fit.
 // A list of np points is 2 np floats, row then column of each; weights have the same shape. Matrices are dense, row by row.
-// Memory grows with the square of the points. Failures are reported as errors, but too few points and too few degrees of freedom.
+// Memory grows with the square of the points. Failures are reported as warnings, since the points are unharmed; too few points or too few
+// degrees of freedom are not reported.
 #pragma once
 
 // Two equations a point: A has m = 2 np rows and n = get_ncoeff(model) columns. Model 9 writes one row a point into the first np rows.

@@ -18,8 +18,12 @@ enum warp_model {
 constexpr int AFFINE_COEFFICIENTS = 6;
 constexpr int MOST_COEFFICIENTS = 42;
 
-// -1, and an error report, for a number that no model has. 21 and 81 have a count and nothing else.
+// -1, and a warning, for a number that no model has. 21 and 81 have a count and nothing else.
 int get_ncoeff(int model);
+
+// Terms of a polynomial model of order 2 to 5, 0 for other models; and their values at (x, y).
+int polynomial_terms(int model);
+void polynomial_values(double x, double y, int terms, double *values);
 
 // At one point. Without an evaluator (9, 21, 81, unknown numbers) u and v stay as they were, here and in the arrays below.
 void trans_point(double x, double y, int model, const double *coefficients, double *u, double *v);

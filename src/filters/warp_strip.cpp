@@ -1,0 +1,75 @@
+#include "filters/warp_strip.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "filters/orthogonal.h"
+#include "filters/vector_clones.h"
+
+namespace {
+
+constexpr int STRIP_COLS = TILE_PIXELS / STRIP_ROWS;
+
+// The place of each row where the strip has got to, and its steps.
+struct strip_walk {
+    double row[STRIP_ROWS], col[STRIP_ROWS], row_step[STRIP_ROWS], col_step[STRIP_ROWS];
+};
+
+void start_walk(strip_walk *walk, const warp_line *lines, int out_cols)
+{
+    for (int k = 0; k < STRIP_ROWS; k++) {
+        const auto [row, col, row_end, col_end] = lines[k];
+        walk->row[k] = row;
+        walk->col[k] = col;
+        walk->row_step[k] = (row_end - row) / (out_cols - 1);
+        walk->col_step[k] = (col_end - col) / (out_cols - 1);
+    }
+}
+
+// Sums of steps round, so each row must take its own one by one; the rows can go side by side. `shift` is taken from each coordinate.
+VECTOR_CLONES
+void walk_columns(strip_walk *walk, int count, double shift, double *__restrict rows, double *__restrict cols)
+{
+    strip_walk w = *walk;
+    for (int j = 0; j < count; j++, rows += STRIP_ROWS, cols += STRIP_ROWS)
+        for (int k = 0; k < STRIP_ROWS; k++) {
+            rows[k] = w.row[k] - shift;
+            cols[k] = w.col[k] - shift;
+            w.row[k] += w.row_step[k];
+            w.col[k] += w.col_step[k];
+        }
+    *walk = w;
+}
+
+// Sampled column by column, put down in rows.
+void put_tile(uint8_t *out, int out_cols, const uint8_t *tile, int count)
+{
+    uint8_t turned[TILE_PIXELS];
+    transpose_block(tile, STRIP_ROWS, turned, STRIP_COLS, count, STRIP_ROWS);
+    for (int k = 0; k < STRIP_ROWS; k++)
+        memcpy(out + int64_t{k} * out_cols, turned + k * STRIP_COLS, size_t(count));
+}
+
+} // namespace
+
+void warp_strip(const warp_source &in, uint8_t *out, int out_cols, const warp_line *lines, int method, const cubic_table &table)
+{
+    const double shift = method == WARP_NEAREST ? 0.0 : 0.5;
+    double rows[TILE_PIXELS], cols[TILE_PIXELS];
+    uint8_t tile[TILE_PIXELS];
+    strip_walk walk;
+    start_walk(&walk, lines, out_cols);
+    for (int c = 0; c < out_cols; c += STRIP_COLS) {
+        const int count = std::min(STRIP_COLS, out_cols - c), pixels = count * STRIP_ROWS;
+        walk_columns(&walk, count, shift, rows, cols);
+        if (method == WARP_NEAREST)
+            sample_nearest(in, tile, rows, cols, pixels, ABOVE_MINUS_ONE);
+        else if (method == WARP_BILINEAR)
+            sample_bilinear(in, tile, rows, cols, pixels);
+        else if (method == WARP_CUBIC)
+            sample_cubic(in, tile, rows, cols, pixels, table);
+        else
+            return;
+        put_tile(out + c, out_cols, tile, count);
+    }
+}

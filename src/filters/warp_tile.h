@@ -1,0 +1,31 @@
+// warp_tile.h - private to the warps: the samplers of a tile of output pixels, whatever their order.
+// Tiles are small, so that what a step leaves for the next stays close to the processor. Coordinates are as the samplers use them, that is
+// already less 0.5 for bilinear and cubic.
+#pragma once
+#include <cfloat>
+#include <cstdint>
+
+#include "filters/warp_resample.h"
+
+constexpr int TILE_PIXELS = 512;
+
+struct warp_source {
+    const uint8_t *pixels;
+    int rows, cols;
+    const int64_t *row_start;
+};
+
+// The four weights of a fraction side by side.
+struct cubic_table {
+    int32_t weights[CUBIC_ENTRIES][4];
+};
+void fill_cubic_table(cubic_table *table, const int32_t *w0, const int32_t *w1, const int32_t *w2, const int32_t *w3);
+
+// Lowest coordinates that are inside.
+constexpr double FROM_ZERO = 0.0;
+constexpr double ABOVE_MINUS_ONE = -1.0 + DBL_EPSILON / 2;  // all that truncates to 0
+
+// `count` is at most TILE_PIXELS.
+void sample_nearest(const warp_source &in, uint8_t *out, const double *rows, const double *cols, int count, double lowest);
+void sample_bilinear(const warp_source &in, uint8_t *out, const double *rows, const double *cols, int count);
+void sample_cubic(const warp_source &in, uint8_t *out, const double *rows, const double *cols, int count, const cubic_table &table);
