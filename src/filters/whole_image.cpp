@@ -4,7 +4,6 @@
 #include <cstdio>
 
 #include "display/vlt.h"
-#include "services/ws.h"
 #include "shell/session.h"
 
 bool colour_in_view()
@@ -18,16 +17,18 @@ static void add_band(band_set &set, int n)
         set.number[set.count++] = n;
 }
 
-band_set all_bands()
+band_set bands_of_window(int w)
 {
     band_set set = {};
-    if (active_window < 0)
-        return set;
-    const win_rec &win = windows[active_window];
-    add_band(set, win.red_band);
-    add_band(set, win.green_band);
-    add_band(set, win.blue_band);
+    add_band(set, windows[w].red_band);
+    add_band(set, windows[w].green_band);
+    add_band(set, windows[w].blue_band);
     return set;
+}
+
+band_set all_bands()
+{
+    return active_window < 0 ? band_set{} : bands_of_window(active_window);
 }
 
 band_set bands_in_view()
@@ -58,11 +59,11 @@ bool can_be_worked_on(const band_set &set)
     return set.count > 0;
 }
 
-void show_processing(int band)
+void show_processing(int band, int field)
 {
     char text[BAND_LABEL_SIZE + 20];
     snprintf(text, sizeof text, "Processing %.23s...", bands[band].label);
-    msg_put(MSG_STATUS, MSG_CENTRED, text);
+    msg_put(field, MSG_CENTRED, text);
 }
 
 void fail(const char *words)
