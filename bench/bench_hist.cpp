@@ -1,4 +1,5 @@
-// Counting the levels of a plane of 8000 x 8000 beside memcpy of its bytes, and each contrast operator on a band's tables.
+// Counting the levels of a plane of 8000 x 8000 beside memcpy of its bytes, the same with OpenCV where it is installed, and each
+// contrast operator on a band's tables.
 // Each turn runs memcpy and then the count on the same plane; look at x_memcpy, the median of our times over the median of memcpy's.
 #include <algorithm>
 #include <benchmark/benchmark.h>
@@ -7,12 +8,18 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <functional>
 #include <vector>
 
 #include "enhance/contrast_maps.h"
 #include "enhance/hist_kernel.h"
 #include "enhance/histogram.h"
 #include "mem.h"
+
+#ifdef HAVE_OPENCV
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+#endif
 
 static constexpr int SIDE = 8000;
 static constexpr size_t BYTES = size_t{SIDE} * SIDE;
@@ -77,19 +84,16 @@ static double median(std::vector<double> times)
     return times[times.size() / 2];
 }
 
-static void count_levels(benchmark::State &state, const uint8_t *(*source)(), int step)
+static void beside_memcpy(benchmark::State &state, const uint8_t *plane, const std::function<void()> &count)
 {
     static uint8_t *const copy = plane_memory();
-    const uint8_t *plane = source();
     std::vector<double> copies, counts;
     for (auto _ : state) {
         const double start = now();
         std::memcpy(copy, plane, BYTES);
         benchmark::ClobberMemory();
         const double middle = now();
-        int32_t bins[256] = {};
-        hist_count(bins, plane, SIDE, SIDE, SIDE, step);
-        benchmark::DoNotOptimize(bins);
+        count();
         const double end = now();
         copies.push_back(middle - start);
         counts.push_back(end - middle);
@@ -99,11 +103,38 @@ static void count_levels(benchmark::State &state, const uint8_t *(*source)(), in
     state.counters["x_memcpy"] = median(counts) / median(copies);
 }
 
+static void count_levels(benchmark::State &state, const uint8_t *(*source)(), int step)
+{
+    const uint8_t *plane = source();
+    beside_memcpy(state, plane, [&] {
+        int32_t bins[256] = {};
+        hist_count(bins, plane, SIDE, SIDE, SIDE, step);
+        benchmark::DoNotOptimize(bins);
+    });
+}
+
 BENCHMARK_CAPTURE(count_levels, photograph_every_pixel, photograph, 1)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(25);
 BENCHMARK_CAPTURE(count_levels, flat_map_every_pixel, flat_map, 1)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(25);
 BENCHMARK_CAPTURE(count_levels, photograph_every_2nd, photograph, 2)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(25);
 BENCHMARK_CAPTURE(count_levels, photograph_every_5th, photograph, 5)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(25);
 BENCHMARK_CAPTURE(count_levels, flat_map_every_5th, flat_map, 5)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(25);
+
+#ifdef HAVE_OPENCV
+static void count_levels_opencv(benchmark::State &state, const uint8_t *(*source)())
+{
+    cv::setNumThreads(1);
+    const uint8_t *plane = source();
+    const cv::Mat image(SIDE, SIDE, CV_8UC1, const_cast<uint8_t *>(plane));
+    const int channel = 0, bin_count = 256;
+    const float levels[] = { 0, 256 };
+    const float *range = levels;
+    cv::Mat bins;
+    beside_memcpy(state, plane, [&] { cv::calcHist(&image, 1, &channel, cv::Mat(), bins, 1, &bin_count, &range); });
+}
+
+BENCHMARK_CAPTURE(count_levels_opencv, photograph_every_pixel, photograph)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(15);
+BENCHMARK_CAPTURE(count_levels_opencv, flat_map_every_pixel, flat_map)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(15);
+#endif
 
 // Each turn starts from the same tables.
 static void map_operator(benchmark::State &state, void (*run)(int32_t *hist, int16_t *lut))

@@ -22,16 +22,25 @@ plane make_plane(int width, int height, int stride, const std::function<int(int 
     return p;
 }
 
-// One pixel after the other.
+void expect_same(const int32_t *have, const int32_t *want, const plane &p, int step, const char *by)
+{
+    for (int level = 0; level < 256; level++)
+        EXPECT_EQ(have[level], want[level]) << by << ": level " << level << " step " << step << " of " << p.width << " x " << p.height;
+}
+
+// Against counting one pixel after the other, by each way there is.
 void expect_counts(const plane &p, int step)
 {
-    int32_t want[256] = {}, have[256] = {};
+    int32_t want[256] = {}, chosen[256] = {}, plain[256] = {}, blocks[256] = {};
     for (int y = 0; y < p.height; y += step)
         for (int x = 0; x < p.width; x += step)
             want[p.bytes[size_t(y) * size_t(p.stride) + size_t(x)]]++;
-    hist_count(have, p.bytes.data(), size_t(p.stride), p.width, p.height, step);
-    for (int level = 0; level < 256; level++)
-        EXPECT_EQ(have[level], want[level]) << "level " << level << " step " << step << " of " << p.width << " x " << p.height;
+    hist_count(chosen, p.bytes.data(), size_t(p.stride), p.width, p.height, step);
+    expect_same(chosen, want, p, step, "chosen");
+    hist_count_plain(plain, p.bytes.data(), size_t(p.stride), p.width, p.height, step);
+    expect_same(plain, want, p, step, "plain");
+    if (step == 1 && hist_count_avx512(blocks, p.bytes.data(), size_t(p.stride), p.width, p.height))
+        expect_same(blocks, want, p, step, "blocks");
 }
 
 } // namespace
@@ -71,6 +80,20 @@ TEST(HistKernel, EveryStepAgreesWithPlainCounting)
     const plane p = make_plane(301, 77, 320, [&](int, int) { return int(random() % 7 * 40); });
     for (int step = 1; step <= 6; step++)
         expect_counts(p, step);
+}
+
+TEST(HistKernel, BlocksAndTheStripsBesideAndBelowThem)
+{
+    std::mt19937 random(5);
+    for (const int width : { 63, 64, 65, 128, 200 })
+        for (const int height : { 7, 8, 9, 24 })
+            expect_counts(make_plane(width, height, width + 5, [&](int, int) { return int(random() & 255); }), 1);
+}
+
+TEST(HistKernel, EachLevelAloneInABlock)
+{
+    for (int level = 0; level < 256; level++)
+        expect_counts(make_plane(64, 8, 64, [&](int x, int y) { return x == level % 64 && y == level / 32 ? level : 255 - level; }), 1);
 }
 
 // Planes that are large enough to be counted by pairs.
