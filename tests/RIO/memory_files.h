@@ -81,7 +81,8 @@ inline words next_words(RFILE *file)
     return rio_getline(file, line.data()) == 0 ? line : words();
 }
 
-// Reads a file to its end, whatever it is. Answers the lines that could be read; -1 when it would not open.
+// Reads a file to its end, whatever it is. Answers the lines that could be read; -1 when it would not open. rio_errno is then
+// that of the open or of the last line.
 inline int read_through(const bytes &content)
 {
     memory_file memory(content);
@@ -97,7 +98,9 @@ inline int read_through(const bytes &content)
         while (lines < h && rio_getline_rgb(file, planes[0].data(), planes[1].data(), planes[2].data()) == 0)
             lines++;
     }
+    const uint32_t error = rio_errno;
     rio_close(file);
+    rio_errno = error;
     return lines;
 }
 

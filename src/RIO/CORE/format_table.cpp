@@ -49,6 +49,7 @@ static bool is_mrg(const candidate &c)
 static bool is_pnm(const candidate &c) { return pnm_detect(c.head, c.bytes); }
 static bool is_sun(const candidate &c) { return sun_detect(c.head, c.bytes); }
 static bool is_sym(const candidate &c) { return sym_detect(c.head, c.bytes); }
+static bool is_cals(const candidate &c) { return cals_detect(c.head, c.bytes); }
 static bool is_xbm(const candidate &c) { return xbm_detect(c.head, c.bytes, c.name, c.file); }
 
 static RFILE *open_natv(const candidate &c) { return natv_open_r(c.file, c.name); }
@@ -57,6 +58,7 @@ static RFILE *open_tiff(const candidate &c) { return tif_open_r(c.file); }
 static RFILE *open_pnm(const candidate &c) { return pnm_open_r(c.file); }
 static RFILE *open_sun(const candidate &c) { return sun_open_r(c.file); }
 static RFILE *open_sym(const candidate &c) { return sym_open_r(c.file); }
+static RFILE *open_cals(const candidate &c) { return cals_open_r(c.file); }
 static RFILE *open_xbm(const candidate &c) { return xbm_open_r(c.file); }
 
 // The side file of an MRG set must not be opened alone: null, and no error. This is meant.
@@ -118,7 +120,7 @@ static constexpr detection_row detection_table[] = {
     { "PCX", nullptr, nullptr },
     { "SYM", is_sym, open_sym },
     { "ICO", nullptr, nullptr },
-    { "CALS", nullptr, nullptr },
+    { "CALS", is_cals, open_cals },
     { "NITF", nullptr, nullptr },
     { "XBM", is_xbm, open_xbm },
     { "USGS", nullptr, nullptr },
@@ -156,7 +158,7 @@ static constexpr init_row init_table[] = {
     { RIO_FORMAT_GIF, "GIF", nullptr },
     { RIO_FORMAT_TGA, "TGA", nullptr },
     { RIO_FORMAT_PCX, "PCX", nullptr },
-    { RIO_FORMAT_CALS, "CALS", nullptr },
+    { RIO_FORMAT_CALS, "CALS", cals_init_w },
     { RIO_FORMAT_ICO, "ICO", nullptr },
     { RIO_FORMAT_SYM, "SYM", sym_init_w },
     { RIO_FORMAT_NITF, "NITF", nullptr },

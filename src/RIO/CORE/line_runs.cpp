@@ -130,6 +130,25 @@ int rio_getrleline_by_lines(RFILE *file, uint8_t *buffer, int *size)
     return file->width;
 }
 
+int rio_putrleline_by_lines(RFILE *file, const uint8_t *runs, int size)
+{
+    if (rio_write_check(file))
+        return 1;
+    if (file->samples_per_pixel != 1)
+        return rio_fail_status(file, RIO_BAD_COUNT, "rle line");
+    mem_ptr<uint8_t> line(static_cast<uint8_t *>(mem_alloc(size_t(rio_line_bytes(file)))));
+    if (!line)
+        return rio_fail_status(file, RIO_NO_MEMORY, "rle line");
+    const uint16_t *words = reinterpret_cast<const uint16_t *>(runs);
+    const int whole = file->bits_per_sample == 1
+                          ? rio_runs_to_bitmap(words, size / 2, reinterpret_cast<uint16_t *>(line.get()), file->width)
+                          : rio_runs_to_bytes(words, size / 2, line.get(), file->width);
+    if (!whole)
+        return rio_fail_status(file, RIO_BAD_VALUE, "rle line");
+    uint8_t *lines[] = { line.get() };
+    return file->ops.putline(file, 1, lines) ? 0 : 1;
+}
+
 int rio_copy_lines(RFILE *file, RFILE *target)
 {
     const int planes = file->samples_per_pixel;
@@ -142,8 +161,11 @@ int rio_copy_lines(RFILE *file, RFILE *target)
         lines[s] = buffer.get() + s * row;
     if (file->ops.seek(file, 0))
         return 1;
-    for (int32_t y = 0; y < file->height; y++, target->current_line++)
+    // Some formats count the lines put themselves.
+    for (int32_t y = 0, to = target->current_line; y < file->height; y++) {
         if (!file->ops.getline(file, planes, lines) || !target->ops.putline(target, planes, lines))
             return 1;
+        target->current_line = ++to;
+    }
     return 0;
 }

@@ -23,6 +23,10 @@ int rio_runs_to_bytes(const uint16_t *runs, int64_t words, uint8_t *line, int32_
 // enough, and the line can be read again; colour is refused with 0 and no error.
 int rio_getrleline_by_lines(RFILE *file, uint8_t *buffer, int *size);
 
+// Slot: Putrleline of a format that fills putline: a line given in those forms. 0 done; 1 with the error set, RIO_BAD_VALUE
+// when the runs do not add up to the width.
+int rio_putrleline_by_lines(RFILE *file, const uint8_t *runs, int size);
+
 // Slot: copydata of the same formats: every line, to a target that has its size and type already. 0; 1 with the error
 // set in the record at fault.
 int rio_copy_lines(RFILE *file, RFILE *target);

@@ -52,7 +52,6 @@ int sun_set_hdr_data(RFILE *file, int key, const void *value);
 int sun_seek(RFILE *file, int line);
 int sun_get_line(RFILE *file, int count, uint8_t **lines);
 int sun_put_line(RFILE *file, int count, uint8_t **lines);
-int sun_put_rle_line(RFILE *file, const uint8_t *runs, int size);
 int sun_wrt_hdr(RFILE *file);
 void sun_close(RFILE *file);
 int sun_init_std_hdr(RFILE *file, RFILE *target);

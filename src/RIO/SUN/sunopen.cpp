@@ -15,7 +15,7 @@ static const rio_ops sun_ops {
     .getrleline = rio_getrleline_by_lines,
     .putline = rio_common_putline,
     .put_line = sun_put_line,
-    .putrleline = sun_put_rle_line,
+    .putrleline = rio_putrleline_by_lines,
     .get_hdr_data = sun_get_hdr_data,
     .set_hdr_data = sun_set_hdr_data,
     .get_stat = rio_plain_get_stat,

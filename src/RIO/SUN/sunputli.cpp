@@ -1,5 +1,4 @@
 #include "RIO/CORE/bit_lines.h"
-#include "RIO/CORE/line_runs.h"
 #include "RIO/CORE/split_pixels.h"
 #include "RIO/SUN/sun.h"
 #include <algorithm>
@@ -187,26 +186,6 @@ int sun_put_line(RFILE *file, int count, uint8_t **lines)
         return rio_fail(file, RIO_WRITE_FAILED, "SUN");
     specs->put_line = file->current_line + 1;
     return file->width;
-}
-
-// A line given as run lengths: those of type 9 for a bilevel file, of type 10 for a byte file.
-int sun_put_rle_line(RFILE *file, const uint8_t *runs, int size)
-{
-    if (rio_write_check(file))
-        return 1;
-    if (file->samples_per_pixel != 1)
-        return rio_fail_status(file, RIO_BAD_COUNT, "SUN");
-    mem_ptr<uint8_t> line(static_cast<uint8_t *>(mem_alloc(size_t(rio_line_bytes(file)))));
-    if (!line)
-        return rio_fail_status(file, RIO_NO_MEMORY, "SUN");
-    const uint16_t *words = reinterpret_cast<const uint16_t *>(runs);
-    const int whole = file->bits_per_sample == 1
-                          ? rio_runs_to_bitmap(words, size / 2, reinterpret_cast<uint16_t *>(line.get()), file->width)
-                          : rio_runs_to_bytes(words, size / 2, line.get(), file->width);
-    if (!whole)
-        return rio_fail_status(file, RIO_BAD_VALUE, "SUN run lengths");
-    uint8_t *lines[] = { line.get() };
-    return sun_put_line(file, 1, lines) ? 0 : 1;
 }
 
 // Other programs read as many coded bytes as the header of a type 2 file says.
