@@ -1,5 +1,13 @@
 # The warp and the commands on it.
 target_sources(kestrel_app PRIVATE
+  control_points.cpp
+  polygon_input.cpp
+  polygon_mask.cpp
+  resampling_prompts.cpp
+  rotate_command.cpp
+  splice_command.cpp
+  splice_points.cpp
+  splice_review.cpp
   warp.cpp
   warp_fit.cpp
   warp_models.cpp

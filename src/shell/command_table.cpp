@@ -19,6 +19,8 @@
 #include "enhance/slice_commands.h"
 #include "enhance/tune.h"
 #include "filters/filter_commands.h"
+#include "filters/rotate_command.h"
+#include "filters/splice_command.h"
 #include "services/ws.h"
 #include "shell/diagnostics.h"
 #include "shell/startup.h"
@@ -243,8 +245,8 @@ command_row command_table[] = {
     COMMAND(flip)
     COMMAND(mirror)
     // warp
-    AWAITED(rotate)
-    AWAITED(splice2)
+    { "rotate", [] { rotate_CMD(); }, 0, 0, 0 },
+    { "splice2", [] { splice2(); }, 0, 0, 0 },
 
     { "", nullptr, 0, 0, 0 },
 };

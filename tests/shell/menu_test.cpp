@@ -141,8 +141,8 @@ TEST_F(Menu, AnIdentifierMayBeGivenToARow)
 TEST_F(Menu, ACommandThatAwaitsItsRoomSaysSo)
 {
     const int beeps = memory_backend_beeps(BEEP_ERROR);
-    command_find("splice2")->handler();
-    EXPECT_STREQ(msg_text(MSG_STATUS), "splice2 is not available yet");
+    command_find("graphics")->handler();
+    EXPECT_STREQ(msg_text(MSG_STATUS), "graphics is not available yet");
     EXPECT_EQ(memory_backend_beeps(BEEP_ERROR), beeps + 1);
 }
 
