@@ -46,8 +46,11 @@ bool is_empty(const file_area &area)
     return area.x1 < area.x0 || area.y1 < area.y0;
 }
 
-file_area file_area_of(const band_rec &band)
+// What is held at full resolution may be larger than the part of the file that it came from: an image that was turned.
+file_area area_of(const band_rec &band)
 {
+    if (band.increment < 2)
+        return { band.file_x0, band.file_y0, band.file_x0 + band.x_size - 1, band.file_y0 + band.y_size - 1 };
     return { band.file_x0, band.file_y0, band.file_x1, band.file_y1 };
 }
 
@@ -115,8 +118,7 @@ int copy_from_memory(const win_rec &win, const file_area &wanted, detail_bands *
     int from[3];
     made->count = bands_of(win, from);
     const band_rec &red = bands[from[0]];
-    const file_area held = { red.file_x0, red.file_y0, red.file_x0 + red.x_size - 1, red.file_y0 + red.y_size - 1 };
-    const file_area area = within(within(wanted, file_area_of(red)), held);
+    const file_area area = within(wanted, area_of(red));
     if (is_empty(area))
         return refuse("There is no image at that point");
     for (int i = 0; i < made->count; i++)
@@ -202,7 +204,7 @@ void look_like(const win_rec &win, const detail_bands &made)
 
 int make_bands(const win_rec &win, const file_area &area, detail_bands *made)
 {
-    if (is_empty(within(area, file_area_of(bands[win.red_band]))))
+    if (is_empty(within(area, area_of(bands[win.red_band]))))
         return refuse("There is no image at that point");
     const int read = bands[win.red_band].increment < 2 ? copy_from_memory(win, area, made) : read_from_file(win, area, made);
     if (!read)

@@ -275,6 +275,7 @@ splice_step splice_initial_points(splice_state &splice)
         case FAILED:
             return LEAVE;
         }
+        msg_clear(MSG_STATUS);
     }
     return FIT_AND_ADD;
 }
