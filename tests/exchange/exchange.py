@@ -75,6 +75,27 @@ def same(one, other):
     return one is not None and other is not None and in_colour(one) == in_colour(other)
 
 
+PILLOW = """
+import sys
+from PIL import Image
+with Image.open(sys.argv[1]) as file:
+    file.seek(int(sys.argv[2]))
+    file.load()
+    if file.mode.startswith("I"):       # wide gray: its high byte
+        shift = 8 if ";16" in file.mode else int(sys.argv[3])
+        shown, raw = "P5", bytes(v >> shift & 255 for v in file.getdata())
+    else:
+        picture = file if file.mode in ("L", "RGB") else file.convert("L" if file.mode == "1" else "RGB")
+        shown, raw = "P5" if picture.mode == "L" else "P6", picture.tobytes()
+    sys.stdout.buffer.write(b"%s\\n%d %d\\n255\\n" % (shown.encode(), file.width, file.height) + raw)
+"""
+
+
+def pillow(path, image=0, shift=8):
+    """The picture as the Debian package of Pillow reads it."""
+    return picture_of(run(["/usr/bin/python3", "-c", PILLOW, path, str(image), str(shift)]))
+
+
 def raw_text(picture):
     return b"P%d\n%d %d\n255\n" % (6 if picture[2] == 3 else 5, picture[0], picture[1]) + picture[3]
 

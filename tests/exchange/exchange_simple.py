@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Trades PNM, Sun raster, XBM, symbol and PostScript files with netpbm, ImageMagick and Ghostscript, pixel for pixel.
+"""Trades PNM, Sun raster, XBM, CALS, symbol and PostScript files with netpbm, ImageMagick and Ghostscript, pixel for pixel.
 
 Usage: exchange_simple.py EXCHANGE_TOOL WORK_DIRECTORY
 """
@@ -10,8 +10,8 @@ from exchange import (SIZES, bilevel_picture, check, colour_picture, finish, gra
                       picture_of, raw_text, run, same)
 
 TOOL, WORK = sys.argv[1], sys.argv[2]
-XBM, PNM, SUN, PS = "13", "14", "15", "21"
-BITMAP, BYTE, BITMAP_RLE, COLOUR = "1", "2", "9", "27"
+CALS, XBM, PNM, SUN, PS = "11", "13", "14", "15", "21"
+BITMAP, BYTE, BITMAP_RLE, GROUP4, COLOUR = "1", "2", "9", "24", "27"
 count = 0
 
 
@@ -75,6 +75,7 @@ def trade_bilevel(width, height):
         ras = need(["pnmtorast", form], pbm)
         trade_in("pnmtorast bilevel " + form, picture_of(need(["rasttopnm"], ras)), ras, ".ras")
     trade_in("magick Sun bilevel", picture, need(["convert", "pbm:-", "sun:-"], pbm), ".ras")
+    trade_in("magick CALS", picture, need(["convert", "pbm:-", "cals:-"], pbm), ".cal")
     trade_in("pbmtoxbm", picture, need(["pbmtoxbm"], pbm), ".xbm")
     trade_in("pbmtox10bm", picture, need(["pbmtoxbm", "-x10"], pbm), ".xbm")
     trade_in("magick XBM", picture, need(["convert", "pbm:-", "xbm:-"], pbm), ".xbm")
@@ -82,6 +83,7 @@ def trade_bilevel(width, height):
     trade_out("text PBM", picture, source, ".pbm", PNM, BITMAP, "7", [["pamtopnm", "FILE"], magick("pbm")])
     trade_out("Sun bilevel", picture, source, ".ras", SUN, BITMAP, "0", [["rasttopnm", "FILE"], magick("sun")])
     trade_out("Sun bilevel runs", picture, source, ".ras", SUN, BITMAP_RLE, "0", readers_of_runs(picture, pbm))
+    trade_out("CALS", picture, source, ".cal", CALS, GROUP4, "0", [magick("cals")])
     trade_out("XBM", picture, source, ".xbm", XBM, BITMAP, "0", [["xbmtopbm", "FILE"], magick("xbm")])
 
 

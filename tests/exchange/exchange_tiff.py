@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""TIFF files traded with libtiff's tools and ImageMagick, both ways.
+"""TIFF files traded with libtiff's tools, ImageMagick and Pillow, both ways.
 
-Usage: exchange_tiff.py EXCHANGE_TOOL WORK_DIRECTORY
+Usage: exchange_tiff.py EXCHANGE_TOOL WORK_DIRECTORY RIOCOPY
 
-What is written here is read by tiffinfo without a warning, by tifftopnm and by ImageMagick, and tiffcmp finds no
+What is written here is read by tiffinfo without a warning, by tifftopnm, ImageMagick and Pillow, and tiffcmp finds no
 difference from the same picture stored by tiffcp. What tiffcp writes, in each of its forms, is read here.
 """
 import os
@@ -11,9 +11,9 @@ import subprocess
 import sys
 
 from exchange import (SIZES, bilevel_picture, check, colour_picture, finish, gray_picture, need, palette_picture, picture_of,
-                      raw_text, run, same)
+                      pillow, raw_text, run, same)
 
-tool, work = sys.argv[1], sys.argv[2]
+tool, work, riocopy = sys.argv[1], sys.argv[2], sys.argv[3]
 os.makedirs(work, exist_ok=True)
 count = 0
 TIFF = "1"
@@ -61,6 +61,7 @@ def read_by_others(name, path, picture):
     check(name, told.returncode == 0 and b"arning" not in told.stdout and b"rror" not in told.stdout, told.stdout[-300:].decode())
     check(name + " tifftopnm", same(picture_of(run(["tifftopnm", path])), picture), "has other pixels")
     check(name + " magick", same(picture_of(run(["convert", path, "-depth", "8", "ppm:-"])), picture), "has other pixels")
+    check(name + " Pillow", same(pillow(path), picture), "has other pixels")
 
 
 def write_all(kind, picture, types):
@@ -95,6 +96,67 @@ def read_all(kind, picture, forms):
         check("%s %dx%d tiffcp %s" % (kind, picture[0], picture[1], form), same(ours(path), seen), "has other pixels")
 
 
+def copy_and_show(kind, picture, options, wanted=None, image=0, source=None):
+    """riocopy's TIFF files, in the forms that exchange_tool does not make, through Pillow."""
+    global count
+    count += 1
+    path = path_of("copied.tif")
+    name = "%s %dx%d riocopy %s" % (kind, picture[0], picture[1], options)
+    done = run([riocopy, "-q"] + options.split() + [source or store("in.pnm", picture), path])
+    check(name, done is not None, "was not written")
+    check(name + " Pillow", same(pillow(path, image), wanted or picture), "has other pixels")
+
+
+def halved(picture, step):
+    width, height, samples, pixels = picture
+    rows = [pixels[y * width * samples:(y + 1) * width * samples] for y in range(0, height, step)]
+    columns = range(0, width, step)
+    thin = b"".join(row[x * samples:(x + 1) * samples] for row in rows for x in columns)
+    return len(columns), len(rows), samples, thin
+
+
+def write_wide(picture):
+    """Samples of 16 and 32 bits, the levels in one of their bytes."""
+    global count
+    for data_type, shift in ((3, 8), (4, 16), (5, 16)):
+        count += 1
+        path = path_of("wide.tif")
+        done = run([tool, "write", store("in.pnm", picture), path, TIFF, str(data_type)])
+        check("type %d" % data_type, done is not None, "was not written")
+        check("type %d Pillow" % data_type, same(pillow(path, 0, shift), picture), "has other pixels")
+
+
+def copy_all(width, height):
+    gray, colour, palette = gray_picture(width, height), colour_picture(width, height), palette_picture(width, height)
+    bits = bilevel_picture(width, height)
+    for coding in ("none", "lzw", "packbits"):
+        for layout in ("", "-s 32", "-s 64"):
+            copy_and_show("gray", gray, "%s -c %s" % (layout, coding))
+            copy_and_show("colour", colour, "%s -c %s" % (layout, coding))
+            copy_and_show("palette", palette, "%s -c %s" % (layout, coding), source=palette_source(palette))
+    for coding in ("none", "g3b", "g4", "packbits"):
+        copy_and_show("bilevel", bits, "-c " + coding)
+    for coding in ("none", "g4"):
+        copy_and_show("bilevel", bits, "-s 32 -c " + coding)
+    for overview in (1, 2):
+        copy_and_show("gray", gray, "-o 2", halved(gray, 2 ** overview), overview)
+        copy_and_show("colour", colour, "-s 32 -o 2", halved(colour, 2 ** overview), overview)
+    write_wide(gray)
+    inks = path_of("inks.tif")
+    need(["convert", store("in.pnm", colour), "-colorspace", "CMYK", "-depth", "8", "-compress", "none", inks])
+    for coding in ("none", "lzw"):
+        copy_and_show("inks", colour, "-c " + coding, pillow(inks), source=inks)
+
+
+def palette_source(picture):
+    path = path_of("palette.ras")
+    with open(path, "wb") as out:
+        out.write(need(["pnmtorast", "-standard"], raw_text(picture)))
+    return path
+
+
+for size in ((37, 23), (301, 40)):
+    copy_all(*size)
 for w, h in SIZES:
     write_all("bilevel", bilevel_picture(w, h), BILEVEL)
     write_all("gray", gray_picture(w, h), GRAY)

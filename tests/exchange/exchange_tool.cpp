@@ -76,6 +76,17 @@ static int print_pixels(const char *name, bool indices)
     return 0;
 }
 
+// Samples of two bytes have the level in their high byte, those of four in the one below it, so that none is negative.
+static int write_wide_line(RFILE *file, const std::vector<uint8_t> &levels, int sample_bytes)
+{
+    std::vector<uint8_t> line(levels.size() * size_t(sample_bytes));
+    for (size_t x = 0; x < levels.size(); x++) {
+        const uint32_t sample = uint32_t{ levels[x] } << (sample_bytes == 2 ? 8 : 16);
+        memcpy(line.data() + x * size_t(sample_bytes), &sample, size_t(sample_bytes));
+    }
+    return rio_putline(file, line.data());
+}
+
 static int write_line(RFILE *file, const picture &from, size_t y, bool bits)
 {
     const size_t w = from.width;
@@ -85,6 +96,8 @@ static int write_line(RFILE *file, const picture &from, size_t y, bool bits)
             planes[s].push_back(from.pixels[(y * w + x) * size_t(from.samples) + size_t(s)]);
     if (from.samples == 3)
         return rio_putline_rgb(file, planes[0].data(), planes[1].data(), planes[2].data());
+    if (const int32_t size = key(file, RIO_KEY_BITS); size > 8)
+        return write_wide_line(file, planes[0], size / 8);
     if (!bits)
         return rio_putline(file, planes[0].data());
     std::vector<uint16_t> words((w + 15) / 16);

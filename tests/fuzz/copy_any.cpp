@@ -12,14 +12,15 @@ static void nothing_shown(int64_t, int64_t) {}
 
 static copy_wish wish_of(size_t n)
 {
-    static constexpr int formats[] = { -1, RIO_FORMAT_NATV, RIO_FORMAT_TIFF, RIO_FORMAT_PNM, RIO_FORMAT_SUN, RIO_FORMAT_XBM };
+    static constexpr int formats[] = { -1,           RIO_FORMAT_NATV, RIO_FORMAT_TIFF, RIO_FORMAT_PNM, RIO_FORMAT_SUN,
+                                       RIO_FORMAT_XBM, RIO_FORMAT_CALS };
     static constexpr const char *codings[] = { nullptr, nullptr, "none", "rle", "byterun", "lzw", "packbits", "g4" };
     copy_wish wish;
-    wish.format = formats[n % 6];
-    wish.compression = codings[n / 6 % 8];
-    wish.tile_size = n / 48 % 3 == 0 ? 32 : 0;
-    wish.overviews = n / 144 % 3 == 0 ? 2 : 0;
-    wish.increment = 1 + int(n / 432 % 3);
+    wish.format = formats[n % 7];
+    wish.compression = codings[n / 7 % 8];
+    wish.tile_size = n / 56 % 3 == 0 ? wish.format == RIO_FORMAT_CALS ? 512 : 32 : 0;
+    wish.overviews = n / 168 % 3 == 0 ? 2 : 0;
+    wish.increment = 1 + int(n / 504 % 3);
     wish.area[3] = MOST_LINES;
     return wish;
 }

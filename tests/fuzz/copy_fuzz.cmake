@@ -1,7 +1,7 @@
 # riocopy's work over damaged files, with the seeds of every reader.
 set(copy_sources copy_any.cpp ${PROJECT_SOURCE_DIR}/src/tools/copy_form.cpp ${PROJECT_SOURCE_DIR}/src/tools/copy_header.cpp
   ${PROJECT_SOURCE_DIR}/src/tools/copy_image.cpp ${PROJECT_SOURCE_DIR}/src/tools/copy_lines.cpp ${PROJECT_SOURCE_DIR}/src/tools/refusals.cpp)
-foreach(name native tiff sym xbm pnm sun)
+foreach(name native tiff sym cals xbm pnm sun)
   add_test(NAME fuzz_copy_${name} COMMAND fuzz_copy ${CMAKE_CURRENT_BINARY_DIR}/seeds_${name}
     WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
   set_tests_properties(fuzz_copy_${name} PROPERTIES FIXTURES_REQUIRED seeds_${name} TIMEOUT 900 ENVIRONMENT KESTREL_FUZZ_SECONDS=5)

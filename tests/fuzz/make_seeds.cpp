@@ -24,6 +24,7 @@ static constexpr seed seeds[] = {
     { RIO_TYPE_RGB, 0, 0, 0 },          { RIO_TYPE_BITMAP, 7, 0, 0 },      { RIO_TYPE_BYTE, 0, 32, 0 },
     { RIO_TYPE_BYTE_RUN, 0, 32, 1 },    { RIO_TYPE_RGB, 0, 32, 0 },        { RIO_TYPE_BITMAP_RLE, 0, 32, 0 },
     { RIO_TYPE_CCITT3, 0, 0, 0 },       { RIO_TYPE_4, 0, 0, 0 },           { RIO_TYPE_4_BYTE_RUN, 0, 32, 0 },
+    { RIO_TYPE_CCITT4, 0, 512, 0 },
     // Lines with headers, overviews, several images.
     { RIO_TYPE_BYTE, 0, 0, 0, 1 },      { RIO_TYPE_BITMAP_RLE, 0, 0, 0, 1 }, { RIO_TYPE_BYTE_RUN, 0, 0, 0, 1 },
     { RIO_TYPE_RGB_RLE, 0, 0, 0, 1 },   { RIO_TYPE_RGB_BYTE_RUN, 0, 32, 0, 1 }, { RIO_TYPE_PACKED_RLE, 0, 0, 0, 1 },
@@ -34,7 +35,7 @@ static int set_key(RFILE *file, int key, int32_t value) { return rio_set_hdr_dat
 
 enum { WIDTH = 37, HEIGHT = 35, PLANES = 4 };
 
-// Odd lines, runs and noise. 0; 1 when a line is refused.
+// Odd lines, noise, runs and noise: the first samples are all there is of a bilevel line. 0; 1 when a line is refused.
 static int put_lines(RFILE *file, int samples, int height)
 {
     for (int y = 0; y < height; y++) {
@@ -43,7 +44,7 @@ static int put_lines(RFILE *file, int samples, int height)
         for (int p = 0; p < PLANES; p++) {
             lines[p] = planes[p];
             for (int x = 0; x < WIDTH; x++)
-                planes[p][x] = uint16_t(x < 12 ? 0 : x < 24 ? y / 8 * 9 + p : (x * 31 + y * 17 + p * 5) * 259);
+                planes[p][x] = uint16_t(x > 2 && x < 12 ? 0 : x > 2 && x < 24 ? y / 8 * 9 + p : (x * 31 + y * 17 + p * 5) * 259);
         }
         if (rio_putline_planes(file, samples, lines) || rio_errno)
             return 1;

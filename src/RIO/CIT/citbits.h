@@ -117,15 +117,18 @@ enum cit_line_end { CIT_LINE_DONE, CIT_LINE_BAD, CIT_END_MARKER };
 cit_line_end cit_read_line_1d(cit_reader &in, cit_lines &lines);
 cit_line_end cit_read_line_2d(cit_reader &in, cit_lines &lines);
 
-// A run of one colour, of one code or of several, into `run`, cut to `limit`. False at a code that there is none of. The
-// caller holds CIT_LOOK_BITS bits at least.
+// A run of one colour, of one code or of several, into `run`, cut to `limit`. False at a code that there is none of; but some
+// encoders send no code of 0 to 63 where make-up codes have come to the end of the line. The caller holds CIT_LOOK_BITS bits
+// at least.
 inline bool cit_read_run(cit_reader &in, cit_colour colour, int32_t limit, int32_t *run)
 {
     int32_t sum = 0;
     for (;;) {
         const uint32_t entry = cit_looks.entries[colour][in.bits & (CIT_LOOK_SIZE - 1)];
-        if (entry == 0) [[unlikely]]
-            return false;
+        if (entry == 0) [[unlikely]] {
+            *run = limit;
+            return sum > 0 && sum == limit;
+        }
         cit_skip(in, int(entry & 15));
         const int32_t part = int32_t(entry >> 4);
         sum += part;

@@ -321,6 +321,16 @@ TEST(CitGroup3, ALineThatIsTooShortIsBad)
     EXPECT_EQ(back.lines, 1u);
 }
 
+// Black 128 is 000011001000 and then black 0; some encoders leave the second out at the end of a line.
+TEST(CitGroup3, MakeUpCodesMayEndTheLine)
+{
+    const std::string line = "00110101 000011001000";
+    const decoded back = decode_with(cit_g3_2d_decode, plain_eol + line + "0000" + plain_eol + line + plain_eol, 128, 2);
+    EXPECT_EQ(back.result, CIT_OK);
+    EXPECT_EQ(back.pixels, picture(2, pixels_of({ 0, 128 })));
+    EXPECT_EQ(decode_with(cit_g3_2d_decode, plain_eol + line + plain_eol, 129, 1).result, 40240404u);   // not quite the end
+}
+
 TEST(CitGroup3, TaggedDataBeginWithTheTagOfAOneDimensionalLine)
 {
     const std::string line = "1011 0000111";
