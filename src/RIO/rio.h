@@ -15,8 +15,9 @@
 // 8 bits take a byte each, wider ones their own width in the machine's order. Bilevel lines are 16 pixels to a
 // uint16_t, leftmost pixel in the most significant bit, rows padded to a whole word.
 //
-// The library keeps no state but the records, rio_errno, rio_debug and rio_path_resolver.
+// The library keeps no state but the records, rio_errno, rio_debug, rio_path_resolver and rio_jpeg_driver.
 #pragma once
+#include "codec_driver.h"
 #include <cstdint>
 
 #pragma GCC visibility push(default)
@@ -86,6 +87,10 @@ extern int rio_debug;
 // Turns a file name into a host path, where the program has names of its own kind. Null opens names as they stand.
 // Answers 1 with the zero-ended path in `out`, or 0: then the name is used as it stands.
 extern int (*rio_path_resolver)(const char *name, char *out, int size);
+
+// The codec service behind JPEG data of the native format. Null, the start value: such files and images fail to open, and
+// to be written, with RIO_JPEG_FAIL. It stays while a file is open.
+extern const codec_driver *rio_jpeg_driver;
 
 // Builds the sentence of `code` with the place and a text (null is empty), and writes it to the standard error.
 void rio_report(uint32_t code, const char *source, int line, const char *text);
@@ -331,6 +336,9 @@ int rio_init_ov(RFILE *file, RFILE *target);
 // One line. A colour file gives its first band.
 int rio_getline(RFILE *file, void *line);
 int rio_getline_rgb(RFILE *file, void *red, void *green, void *blue);
+// The next `count` lines, as rio_getline gives them, into rows that begin `row_bytes` apart. Lines that lie in the file as
+// they are handed out go there at a stroke. Answers how many were read: fewer than `count` when one could not be.
+int rio_getlines(RFILE *file, int count, void *rows, int64_t row_bytes);
 // `count` planes (1, 3 or 4 by format).
 int rio_getline_planes(RFILE *file, int count, void *const *lines);
 int rio_getline_interleaved(RFILE *file, void *line);

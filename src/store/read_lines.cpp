@@ -1,5 +1,6 @@
 #include "store/read_lines.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -83,6 +84,12 @@ int get_samples(RFILE *file, bool bits, uint16_t *bit_line, uint8_t *line, int w
     return 0;
 }
 
+// Lines up to the next one that is shown, straight into their rows. Answers how many were read.
+int get_rows(RFILE *file, int row, int rows, int columns, uint8_t *out)
+{
+    return rio_getlines(file, std::min(PROGRESS_LINES - row % PROGRESS_LINES, rows - row), out, columns);
+}
+
 } // namespace
 
 int read_gray_lines(RFILE *file, int type, const line_range &range, int clear_tail, uint8_t *out)
@@ -94,20 +101,18 @@ int read_gray_lines(RFILE *file, int type, const line_range &range, int clear_ta
     if ((!direct && !line) || (bits && !bit_line))
         return no_line_memory();
 
-    int failed = skip_to(file, range.y0), counter = PROGRESS_LINES - 1;
-    for (int row = 0; row < rows; row++) {
+    int failed = skip_to(file, range.y0);
+    for (int row = 0, got = 1; row < rows; row += got) {
         const int y = range.y0 + row * range.increment;
         uint8_t *target = out + int64_t{row} * columns;
-        if (++counter >= PROGRESS_LINES) {
+        if (row % PROGRESS_LINES == 0)
             show_progress("Reading 8bit image file... line %d/%d\n", y, range.y1);
-            counter = 0;
-        }
-        failed = failed || get_samples(file, bits, bit_line.get(), direct ? target : line.get(), range.width);
+        if (direct && !bits && !failed)
+            failed = (got = get_rows(file, row, rows, columns, target)) == 0;
+        else
+            failed = failed || get_samples(file, bits, bit_line.get(), direct ? target : line.get(), range.width);
         if (failed) {
-            if (clear_tail)
-                memset(target, 0, size_t(rows - row) * size_t(columns));
-            else
-                memset(target, 0, size_t(columns));
+            memset(target, 0, (clear_tail ? size_t(rows - row) : 1) * size_t(columns));
             return ended_early();
         }
         if (!direct)

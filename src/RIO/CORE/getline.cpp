@@ -48,6 +48,64 @@ int rio_getline(RFILE *file, void *line)
     return get_planes(file, "rio_getline", colour ? 3 : 1, lines);
 }
 
+bool rio_is_large(const RFILE *file)
+{
+    constexpr int64_t LARGE = int64_t{ 1 } << 23;
+    return rio_line_bytes(file) * file->height >= LARGE;
+}
+
+int64_t rio_no_place_of_lines(RFILE *, int *) { return -1; }
+int64_t rio_no_place_of_tile(RFILE *, int64_t, int64_t *) { return -1; }
+
+// Lines that lie close together, into rows as close; what is not all there is left to be read line by line.
+static int read_together(RFILE *file, int count, uint8_t *rows, bool large)
+{
+    int lines = std::min(count, file->height - file->current_line);
+    const int64_t place = file->ops.place_of_lines(file, &lines), bytes = rio_line_bytes(file) * lines;
+    if (place < 0)
+        return 0;
+    if (!(large ? rio_stream_at : rio_read_at)(file, place, rows, bytes)) {
+        rio_byte_seek(file, place);
+        return 0;
+    }
+    file->current_line += lines;
+    return lines;
+}
+
+static int lines_at_a_stroke(RFILE *file, int count, uint8_t *rows, int64_t row_bytes)
+{
+    if (file->flags & (RIO_SQUETCH | RIO_SAMPLES_16) || rio_read_check(file) != 0)
+        return 0;
+    const bool large = rio_is_large(file);
+    if (file->flags & RIO_TILED)
+        return rio_gather_lines(file, count, rows, row_bytes, large);
+    return row_bytes == rio_line_bytes(file) ? read_together(file, count, rows, large) : 0;
+}
+
+static int next_line(RFILE *file, uint8_t *line)
+{
+    uint8_t *lines[3] = { line, nullptr, nullptr };
+    return file->ops.getline(file, is_colour(file->data_type) ? 3 : 1, lines) != 0;
+}
+
+int rio_getlines(RFILE *file, int count, void *rows, int64_t row_bytes)
+{
+    if (!rio_enter(file, "rio_getlines"))
+        return 0;
+    int done = 0;
+    while (done < count) {
+        uint8_t *const row = (uint8_t *)rows + done * row_bytes;
+        int lines = lines_at_a_stroke(file, count - done, row, row_bytes);
+        if (lines == 0)
+            lines = next_line(file, row);
+        if (lines == 0)
+            break;
+        done += lines;
+    }
+    rio_leave(file);
+    return done;
+}
+
 int rio_getline_rgb(RFILE *file, void *red, void *green, void *blue)
 {
     uint8_t *lines[3] = { (uint8_t *)red, (uint8_t *)green, (uint8_t *)blue };

@@ -1,5 +1,6 @@
 // gettile.cpp - tiles to pictures and lines: tile geometry, blocks of tiles, and lines through a row of tiles.
 #include "RIO/CORE/rio_format.h"
+#include "RIO/CORE/stream_copy.h"
 #include <algorithm>
 #include <cstring>
 
@@ -75,6 +76,84 @@ static int pixel_step(const RFILE *file)
 {
     return !(file->flags & RIO_INTERLEAVE) ? 1 : file->flags & RIO_PAD4 ? 4 : file->samples_per_pixel;
 }
+
+// ---- tiles where they lie ----------------------------------------------------------------------------------------------
+
+// Rows of a tile in the file.
+struct lying_rows {
+    int64_t place, apart;
+};
+
+// Tiles that are handed out as they lie, in one plane.
+static bool lies_plain(const RFILE *file, int planes)
+{
+    return planes == 1 && file->samples_per_pixel == 1 && pixel_step(file) == 1 && !(file->flags & RIO_SAMPLES_16);
+}
+
+static lying_rows rows_of_tile(RFILE *file, int64_t tile)
+{
+    lying_rows rows { -1, 0 };
+    rows.place = file->ops.place_of_tile(file, tile, &rows.apart);
+    return rows;
+}
+
+// Live pixels of a tile's row, and lines of a row of tiles.
+static int64_t live_width(const RFILE *file, int column)
+{
+    return std::min<int64_t>(file->tiles->tile_width, file->width - int64_t{ column } * file->tiles->tile_width);
+}
+
+static int live_height(const RFILE *file, int row)
+{
+    return int(std::min<int64_t>(file->tiles->tile_height, file->height - int64_t{ row } * file->tiles->tile_height));
+}
+
+static void copy_rows(uint8_t *out, int64_t out_apart, const uint8_t *in, int64_t in_apart, int64_t bytes, int rows, bool large)
+{
+    for (int y = 0; y < rows; y++, out += out_apart, in += in_apart)
+        large ? rio_stream_piece(out, in, size_t(bytes)) : (void)std::memcpy(out, in, size_t(bytes));
+}
+
+// Where the tiles of a row of tiles lie in memory, from the first of them on; null when they do not, or not together.
+static const uint8_t *look_at_tiles(RFILE *file, int row, int64_t *first)
+{
+    const rio_tiles *t = file->tiles;
+    int64_t begin = INT64_MAX, end = 0;
+    for (int column = 0; column < t->tiles_across; column++) {
+        const lying_rows rows = rows_of_tile(file, int64_t{ row } * t->tiles_across + column);
+        if (rows.place < 0)
+            return nullptr;
+        begin = std::min(begin, rows.place);
+        end = std::max(end, rows.place + rows.apart * live_height(file, row));
+    }
+    *first = begin;
+    return rio_look(file, begin, end - begin);
+}
+
+int rio_gather_lines(RFILE *file, int count, uint8_t *out, int64_t row_bytes, bool large)
+{
+    const rio_tiles *t = file->tiles;
+    if (!t || !lies_plain(file, 1) || row_bytes < rio_line_bytes(file))
+        return 0;
+    const int row = file->current_line / t->tile_height, into = file->current_line % t->tile_height;
+    const int lines = std::min(count, live_height(file, row) - into);
+    int64_t first;
+    const uint8_t *lie = look_at_tiles(file, row, &first);
+    if (!lie)
+        return 0;
+    for (int column = 0; column < t->tiles_across; column++) {
+        const lying_rows rows = rows_of_tile(file, int64_t{ row } * t->tiles_across + column);
+        copy_rows(out + column * rio_tile_row_bytes(file), row_bytes, lie + (rows.place - first) + into * rows.apart, rows.apart,
+                  rio_row_bytes(file, live_width(file, column)), lines, large);
+    }
+    rio_stream_end();
+    if (!rio_look_ended(file))
+        return 0;
+    file->current_line += lines;
+    return lines;
+}
+
+// ---- tiles in buffers --------------------------------------------------------------------------------------------------
 
 enum { MOST_PLANES = 5 };
 
@@ -158,6 +237,17 @@ static int read_tile(RFILE *file, int count, tile_buffers *tile, int32_t *value)
     return result != 0 && file->error == 0;
 }
 
+// A tile from where it lies into its place in the picture. 0 when it does not lie so.
+static int place_lying(RFILE *file, int64_t tile, uint8_t *out, int64_t row_bytes, int64_t bytes, int height, bool large)
+{
+    const lying_rows rows = rows_of_tile(file, tile);
+    const uint8_t *in = rows.place < 0 ? nullptr : rio_look(file, rows.place, rows.apart * height);
+    if (!in)
+        return 0;
+    copy_rows(out, row_bytes, in, rows.apart, bytes, height, large);
+    return rio_look_ended(file);
+}
+
 static int64_t tile_rect(RFILE *file, int count, void *const *buffers, int64_t row_bytes, int tiles_wide, int tiles_high)
 {
     if (rio_tile_check(file) != 0)
@@ -167,6 +257,7 @@ static int64_t tile_rect(RFILE *file, int count, void *const *buffers, int64_t r
     tile_buffers tile;
     if (!buffers_alloc(file, count, buffers, &tile))
         return 0;
+    const bool plain = lies_plain(file, count) && buffers[0], large = tiles_high > 1 && rio_is_large(file);
     const rio_tiles *t = file->tiles;
     const int first_column = file->current_line % t->tiles_across;
     const int first_row = file->current_line / t->tiles_across;
@@ -174,24 +265,26 @@ static int64_t tile_rect(RFILE *file, int count, void *const *buffers, int64_t r
     const int rows = std::min(tiles_high, t->tiles_down - first_row);
     int64_t pixels = 0;
     for (int row = 0; row < rows; row++) {
-        const int64_t top = int64_t{ first_row + row } * t->tile_height;
-        const int live_height = int(std::min<int64_t>(t->tile_height, file->height - top));
+        const int height = live_height(file, first_row + row);
         for (int column = 0; column < columns; column++) {
-            const int64_t left = int64_t{ first_column + column } * t->tile_width;
-            const int64_t live_width = std::min<int64_t>(t->tile_width, file->width - left);
-            const int64_t into = column * tile.row_bytes;
-            const int64_t bytes = std::min(rio_row_bytes(file, live_width) * pixel_step(file), row_bytes - into);
+            const int64_t width = live_width(file, first_column + column);
+            const int64_t into = column * tile.row_bytes, at = int64_t{ row } * t->tile_height * row_bytes + into;
+            const int64_t bytes = std::min(rio_row_bytes(file, width) * pixel_step(file), row_bytes - into);
             file->current_line = (first_row + row) * t->tiles_across + first_column + column;
+            if (bytes > 0 && plain && place_lying(file, file->current_line, (uint8_t *)buffers[0] + at, row_bytes, bytes, height, large)) {
+                pixels += width * height;
+                continue;
+            }
             int32_t value;
             if (!read_tile(file, count, &tile, &value))
                 return 0;
             if (bytes <= 0)
                 continue;
-            place_tile(file, count, buffers, tile, int64_t{ row } * t->tile_height * row_bytes + into, row_bytes, bytes,
-                       live_height, value);
-            pixels += live_width * live_height;
+            place_tile(file, count, buffers, tile, at, row_bytes, bytes, height, value);
+            pixels += width * height;
         }
     }
+    rio_stream_end();
     return pixels;
 }
 
@@ -253,6 +346,8 @@ int rio_getlinefromtile(RFILE *file, int count, uint8_t **lines)
     const int step = pixel_step(file);
     const int planes = step > 1 ? 1 : std::clamp<int>(file->samples_per_pixel, 1, MOST_PLANES);
     const int64_t bytes = rio_line_bytes(file) * step;
+    if (count == 1 && lines[0] && rio_gather_lines(file, 1, lines[0], bytes, false))
+        return file->width;
     const rio_tiles *t = file->tiles;
     const int64_t strip_bytes = std::min(t->tile_height, file->height) * bytes;
     const bool held = t->strip_cache && t->strip_planes == planes && t->strip_bytes == strip_bytes && t->strip_first_line >= 0

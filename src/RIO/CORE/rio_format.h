@@ -38,6 +38,9 @@ RIO_SLOTS(RIO_SLOT_DUMMY, RIO_SLOT_DUMMY_VOID, RIO_SLOT_DUMMY_OWN)
 #undef RIO_SLOT_DUMMY_VOID
 #undef RIO_SLOT_DUMMY_OWN
 
+int64_t rio_no_place_of_lines(RFILE *file, int *lines);
+int64_t rio_no_place_of_tile(RFILE *file, int64_t tile, int64_t *row_bytes);
+
 // What a format can do. A slot left out keeps its dummy, which sets RIO_UNSUPPORTED under the slot's name; the two
 // interleaved slots start with a routine that works on top of getline and putline for any format.
 struct rio_ops {
@@ -48,6 +51,11 @@ struct rio_ops {
 #undef RIO_SLOT_MEMBER
 #undef RIO_SLOT_MEMBER_VOID
 #undef RIO_SLOT_MEMBER_OWN
+    // Where lines and tiles lie in the file just as they are handed out in one buffer, so that many of them are read at a
+    // stroke. The offset of the next line, and in *lines, which says how many are wanted, how many lie close behind one
+    // another from there on; the offset of a tile, and in *row_bytes how far its rows are apart. -1 where they do not.
+    int64_t (*place_of_lines)(RFILE *file, int *lines) = rio_no_place_of_lines;
+    int64_t (*place_of_tile)(RFILE *file, int64_t tile, int64_t *row_bytes) = rio_no_place_of_tile;
     // Slot 23, the only one with no dummy: null until a format fills it.
     int (*putrletile)(RFILE *file, const uint8_t *buffer, int size, const int32_t *value) = nullptr;
 };
@@ -80,17 +88,19 @@ struct rio_handle {
 };
 void *rio_handle_of(int fd);    // null with no memory
 
-// A file reached through a sliding view, so that small reads are memory copies (fakefile.cpp).
-enum { RIO_VIEW_SIZE = 0x20000 };
+// A file reached through a sliding view, so that reads are memory copies (fakefile.cpp). The view begins at a window,
+// and reaches some windows ahead.
+enum { RIO_VIEW_SIZE = 0x20000, RIO_VIEW_AHEAD = 32 * RIO_VIEW_SIZE };
 enum { RIO_MAP_WRITE = 2, RIO_MAP_READ = 4 };
 struct rio_mapping {
-    uint8_t *view;
+    const uint8_t *view;        // null while nothing is mapped
     int64_t size, position;
     int64_t window_start;
     int64_t window_size;
-    int64_t window_held;        // bytes of the view that are loaded
+    int64_t window_held;        // bytes of the view
     uint32_t access;
     void *file;                 // stream of the handle set
+    int guard;                  // the view's place (view_guard.h)
 };
 
 // ---- records that hang on the open file --------------------------------------------------------------------------
@@ -165,7 +175,14 @@ enum rio_flag : uint32_t {
 };
 
 // Bits of jpeg_mode.
-enum { RIO_JPEG_BOARD_OPEN = 1, RIO_JPEG_BOARD = 8, RIO_JPEG_BOARD_FILE = 16, RIO_JPEG_SOFTWARE = 32 };
+enum {
+    RIO_JPEG_BOARD_OPEN = 1,
+    RIO_JPEG_TABLES_SENT = 2,
+    RIO_JPEG_KEPT = 4,              // open from call to call
+    RIO_JPEG_BOARD = 8,
+    RIO_JPEG_BOARD_FILE = 16,
+    RIO_JPEG_SOFTWARE = 32,
+};
 
 // "Owned" means that rio_close frees it.
 struct RFILE {
@@ -253,6 +270,14 @@ int64_t rio_file_size(RFILE *file);                                     // posit
 int rio_getc(RFILE *file);
 int rio_putc(RFILE *file, int byte);                                    // -1 failed
 
+// Where `bytes` bytes of the file lie in memory; null when they are not all there, or are in no memory of the process. They
+// stay until the next read or look. Others may be changing the file, so they may be copied, but not judged; and when the
+// copies are made, rio_look_ended tells whether all was there: 1; 0 for a file that has been cut short meanwhile.
+const uint8_t *rio_look(RFILE *file, int64_t offset, int64_t bytes);
+int rio_look_ended(RFILE *file);
+// rio_read_at into an image that is larger than the caches. 1; 0 short.
+int rio_stream_at(RFILE *file, int64_t offset, void *buffer, int64_t bytes);
+
 // How a module opens a further file by name: ops.f_open, which goes through the path resolver and refuses directories.
 
 // Copies the name to file_name; every open by name does it. 1; 0 with RIO_NO_MEMORY.
@@ -284,6 +309,9 @@ int64_t rio_row_bytes(const RFILE *file, int64_t pixels);
 int rio_read_check(RFILE *file);
 // First thing in a put; it writes the header when that is due. 0, or 1 with the error set.
 int rio_write_check(RFILE *file);
+
+// An image that no cache holds.
+bool rio_is_large(const RFILE *file);
 
 // Common getline slot: read check, then squeeze, tile strip or the get_line slot; then fills line_offsets.
 int rio_common_getline(RFILE *file, int count, uint8_t **lines);
@@ -345,6 +373,9 @@ void rio_free_tiles(RFILE *file);
 int rio_tile_check(RFILE *file);                            // before a tile read. 0; 1 with the error set
 int rio_put_tile_check(RFILE *file);                        // before a tile write
 int rio_getlinefromtile(RFILE *file, int count, uint8_t **lines);   // shared Getlinefromtile slot
+// Lines gathered from the tiles where they lie, past the caches when the image is large (rio_is_large). Lines; 0 when the
+// tiles do not lie so.
+int rio_gather_lines(RFILE *file, int count, uint8_t *rows, int64_t row_bytes, bool large);
 int rio_putlinetotile(RFILE *file, int count, uint8_t **lines);
 int64_t rio_tile_row_bytes(const RFILE *file);              // of one plane as it is handed out
 

@@ -57,5 +57,6 @@ int pnm_get_hdr_data(RFILE *file, int key, void *value);
 int pnm_set_hdr_data(RFILE *file, int key, const void *value);
 int pnm_seek(RFILE *file, int line);
 int pnm_get_line(RFILE *file, int count, uint8_t **lines);
+int64_t pnm_place_of_lines(RFILE *file, int *lines);
 int pnm_put_line(RFILE *file, int count, uint8_t **lines);
 int pnm_wrt_hdr(RFILE *file);

@@ -176,6 +176,15 @@ static int get_raw_line(RFILE *file, pnm_specs *specs, int count, uint8_t **line
     return 1;
 }
 
+int64_t pnm_place_of_lines(RFILE *file, int *)
+{
+    pnm_specs *specs = pnm_of(file);
+    if (specs->kind != PNM_GRAY || specs->levels || specs->max_value != 255 || file->bits_per_sample != 8)
+        return -1;
+    specs->put_line = -1;
+    return specs->data_offset + int64_t{file->current_line} * specs->row_bytes;
+}
+
 int pnm_get_line(RFILE *file, int count, uint8_t **lines)
 {
     pnm_specs *specs = pnm_of(file);

@@ -47,6 +47,7 @@ static const rio_ops pnm_read_ops {
     .rewind = rio_plain_rewind,
     .close = rio_plain_close,
     .free_specs = free_specs,
+    .place_of_lines = pnm_place_of_lines,
 };
 
 int pnm_detect(const uint8_t *head, int bytes)

@@ -14,6 +14,11 @@ static int raw_get_line(RFILE *file, int count, uint8_t **lines)
     return file->width;
 }
 
+static int64_t raw_place_of_lines(RFILE *file, int *)
+{
+    return file->access == RIO_ACCESS_READ ? rio_byte_tell(file) : -1;
+}
+
 static int raw_getline(RFILE *file, int count, uint8_t **lines)
 {
     return count == 1 ? rio_common_getline(file, count, lines) : rio_fail(file, RIO_BAD_COUNT, "Raw getline");
@@ -82,5 +87,6 @@ void raw_bind(RFILE *file)
     ops.free_specs = rio_plain_free_specs;
     ops.randomize = rio_plain_randomize;
     ops.get_image_offset = raw_get_image_offset;
+    ops.place_of_lines = raw_place_of_lines;
     file->ops = ops;
 }

@@ -220,6 +220,8 @@ struct tif_unit {
     int32_t width, rows;
 };
 
+// Where strip or tile `index` begins in the file, and the bytes from there to the end of the file; 0 when there are none.
+int64_t tif_unit_place(RFILE *file, const tif_specs *specs, int64_t index, int64_t *offset);
 // Stored bytes of strip or tile `index` into `coded`, first bit at the high end. Answers how many; -1 with the error set.
 int64_t tif_read_coded(RFILE *file, tif_specs *specs, int64_t index, int64_t expected);
 // Row `row` of the unit as it is stored. Null with the error set. It stays until the next call for the plane.
@@ -235,6 +237,10 @@ void tif_drop_strips(tif_specs *specs);
 
 // One row of the units of each plane, into the planes that are wanted. 1; 0 with the error set.
 int tif_get_row(RFILE *file, const tif_unit &unit, int64_t planes_apart, int32_t row, int count, uint8_t **lines);
+// Rows of one sample are handed out as they lie in the file.
+bool tif_lies_plain(const RFILE *file, const tif_specs *specs);
+int64_t tif_place_of_lines(RFILE *file, int *lines);
+int64_t tif_place_of_tile(RFILE *file, int64_t tile, int64_t *row_bytes);
 // Indices or gray in lines[0] to two further planes.
 void tif_finish_line(RFILE *file, int count, uint8_t **lines);
 int tif_get_line(RFILE *file, int count, uint8_t **lines);

@@ -77,22 +77,31 @@ static int bilevel_row(RFILE *file, tif_specs *specs, const tif_unit &unit, int3
     return 1;
 }
 
+// Samples that are handed out as they are stored.
+static bool as_stored(const RFILE *file, const tif_specs *specs)
+{
+    const int bits = specs->bits_per_sample[0];
+    return specs->samples_per_pixel == 1 && (bits == 8 || (bits == 16 && !tif_big_endian(specs))) && !form_of(file, specs).flip;
+}
+
+bool tif_lies_plain(const RFILE *file, const tif_specs *specs)
+{
+    return specs->compression == TIF_UNCOMPRESSED && specs->fill_order != 2 && as_stored(file, specs);
+}
+
 static int single_row(RFILE *file, tif_specs *specs, const tif_unit &unit, int32_t row, uint8_t *out)
 {
     if (specs->bits_per_sample[0] == 1)
         return bilevel_row(file, specs, unit, row, out);
-    const sample_form form = form_of(file, specs);
-    const int bits = specs->bits_per_sample[0];
-    const bool as_stored = (bits == 8 || (bits == 16 && !tif_big_endian(specs))) && !form.flip;
-    if (as_stored && specs->compression == TIF_UNCOMPRESSED && specs->fill_order != 2)
+    if (tif_lies_plain(file, specs))
         return tif_read_plain(file, specs, unit, row, out, tif_row_bytes(specs, unit.width));
     const uint8_t *stored = tif_stored_row(file, specs, unit, row);
     if (!stored)
         return 0;
-    if (as_stored)
+    if (as_stored(file, specs))
         std::memcpy(out, stored, size_t(tif_row_bytes(specs, unit.width)));
     else
-        spread(specs, stored, 0, 1, unit.width, form, out);
+        spread(specs, stored, 0, 1, unit.width, form_of(file, specs), out);
     return 1;
 }
 
@@ -180,6 +189,23 @@ int tif_get_line(RFILE *file, int count, uint8_t **lines)
     tif_finish_line(file, count, lines);
     file->current_line++;
     return file->width;
+}
+
+// Strips that lie one behind another are as one.
+int64_t tif_place_of_lines(RFILE *file, int *lines)
+{
+    tif_specs *specs = tif_of(file);
+    if (!tif_lies_plain(file, specs))
+        return -1;
+    const int64_t row_bytes = tif_row_bytes(specs, file->width);
+    int64_t strip = file->current_line / specs->rows_per_strip, place, next;
+    const int64_t into = file->current_line % specs->rows_per_strip;
+    const int64_t left = tif_unit_place(file, specs, strip, &place);
+    int64_t there = specs->rows_per_strip - into;
+    while (there < *lines && tif_unit_place(file, specs, ++strip, &next) && next == place + (into + there) * row_bytes)
+        there += specs->rows_per_strip;
+    *lines = int(std::min<int64_t>(*lines, there));
+    return left >= (into + *lines) * row_bytes ? place + into * row_bytes : -1;
 }
 
 int tif_get_rle_line(RFILE *file, uint8_t *buffer, int *size)

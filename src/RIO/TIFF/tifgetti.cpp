@@ -2,20 +2,29 @@
 #include "RIO/TIFF/tif.h"
 #include <algorithm>
 
-// A tile of plain bytes lies in the file as it is handed out.
-static bool is_plain(const tif_specs *specs)
+// A tile that lies in the file as it is handed out.
+static bool is_plain(const RFILE *file)
 {
-    return specs->samples_per_pixel == 1 && specs->bits_per_sample[0] == 8 && specs->compression == TIF_UNCOMPRESSED
-           && specs->fill_order != 2 && specs->photometric != TIF_WHITE_IS_ZERO;
+    const tif_specs *specs = tif_of(file);
+    return tif_lies_plain(file, specs) && rio_tile_row_bytes(file) == tif_row_bytes(specs, file->tiles->tile_width);
+}
+
+int64_t tif_place_of_tile(RFILE *file, int64_t tile, int64_t *row_bytes)
+{
+    if (!is_plain(file))
+        return -1;
+    int64_t place;
+    *row_bytes = rio_tile_row_bytes(file);
+    return tif_unit_place(file, tif_of(file), tile, &place) >= *row_bytes * file->tiles->tile_height ? place : -1;
 }
 
 static int get_rows(RFILE *file, const tif_unit &unit, int64_t planes_apart, int count, uint8_t **buffers)
 {
     uint8_t *rows[TIF_MOST_SAMPLES] = {};
     std::copy_n(buffers, count, rows);
-    if (is_plain(tif_of(file)) && rows[0])
-        return tif_read_plain(file, tif_of(file), unit, 0, rows[0], int64_t{unit.width} * unit.rows);
     const int64_t step = rio_tile_row_bytes(file);
+    if (is_plain(file) && rows[0])
+        return tif_read_plain(file, tif_of(file), unit, 0, rows[0], step * unit.rows);
     for (int32_t row = 0; row < unit.rows; row++) {
         if (!tif_get_row(file, unit, planes_apart, row, count, rows))
             return 0;

@@ -39,6 +39,8 @@ static const rio_ops tif_ops {
     .close = tif_close,
     .free_specs = tif_free_chain,
     .get_image_offset = tif_get_image_offset,
+    .place_of_lines = tif_place_of_lines,
+    .place_of_tile = tif_place_of_tile,
 };
 
 void tif_bind(RFILE *file) { file->ops = tif_ops; }

@@ -35,8 +35,7 @@ static void reverse_bytes(uint8_t *bytes, int64_t count)
         bytes[i] = rio_reversed(bytes[i]);
 }
 
-// Where a strip or tile begins, and the bytes from there to the end of the file; 0 when there are none.
-static int64_t strip_place(RFILE *file, const tif_specs *specs, int64_t index, int64_t *offset)
+int64_t tif_unit_place(RFILE *file, const tif_specs *specs, int64_t index, int64_t *offset)
 {
     *offset = index < specs->offsets_held ? file->image_offset + specs->strip_offsets[index] : 0;
     return *offset > file->image_offset ? std::max<int64_t>(rio_file_size(file) - *offset, 0) : 0;
@@ -45,7 +44,7 @@ static int64_t strip_place(RFILE *file, const tif_specs *specs, int64_t index, i
 int64_t tif_read_coded(RFILE *file, tif_specs *specs, int64_t index, int64_t expected)
 {
     int64_t offset;
-    const int64_t left = strip_place(file, specs, index, &offset);
+    const int64_t left = tif_unit_place(file, specs, index, &offset);
     const int64_t count = index < specs->counts_held ? specs->strip_counts[index] : 0;
     const int64_t bytes = std::min(count ? count : expected, left);
     if (bytes <= 0) {
@@ -119,7 +118,7 @@ static const uint8_t *plain_row(RFILE *file, tif_specs *specs, const tif_unit &u
     tif_held &held = specs->held[unit.plane];
     const int64_t row_bytes = tif_row_bytes(specs, unit.width);
     int64_t offset;
-    const int64_t left = strip_place(file, specs, unit.index, &offset);
+    const int64_t left = tif_unit_place(file, specs, unit.index, &offset);
     if (left < (int64_t{row} + 1) * row_bytes) {
         rio_fail(file, RIO_READ_FAILED, "reading strip");
         return nullptr;
@@ -153,7 +152,7 @@ const uint8_t *tif_stored_row(RFILE *file, tif_specs *specs, const tif_unit &uni
 int tif_read_plain(RFILE *file, tif_specs *specs, const tif_unit &unit, int32_t row, uint8_t *out, int64_t bytes)
 {
     int64_t offset;
-    const int64_t left = strip_place(file, specs, unit.index, &offset);
+    const int64_t left = tif_unit_place(file, specs, unit.index, &offset);
     const int64_t begin = row * tif_row_bytes(specs, unit.width);
     if (left < begin + bytes || !rio_read_at(file, offset + begin, out, bytes))
         return rio_fail(file, RIO_READ_FAILED, "reading strip");

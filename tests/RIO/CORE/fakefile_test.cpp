@@ -1,6 +1,10 @@
 // Files in memory and mapped files.
+#include "RIO/CORE/view_guard.h"
 #include "plain_record.h"
+#include <csignal>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 static rio_memory_file memory_over(bytes &data)
 {
@@ -254,4 +258,87 @@ TEST(MappedFile, AFileThatIsCutMeanwhileEndsEarly)
     EXPECT_EQ(rio_read(file, out, 200), 0);
     EXPECT_EQ(rio_getc(file), -1);
     rio_close(file);
+}
+
+TEST(MappedFile, AFileThatIsCutUnderItsViewEndsWhereItWasCut)
+{
+    const test_folder folder;
+    const bytes data = counting(RIO_VIEW_SIZE * 2);
+    const std::string path = folder.with("a", data);
+    RFILE *file = handle_record(path, RIO_ACCESS_READ);
+    rio_map_file(file, 1);
+    const int cut = RIO_VIEW_SIZE + 5000;       // the second page of the second window
+    bytes got(data.size());
+    ASSERT_EQ(rio_read_at(file, 0, got.data(), 100), 1);        // the view is there
+    ASSERT_EQ(truncate(path.c_str(), cut), 0);
+    rio_byte_seek(file, 0);
+    EXPECT_EQ(rio_read(file, got.data(), int64_t(data.size())), cut);
+    EXPECT_TRUE(std::equal(got.begin(), got.begin() + cut, data.begin()));
+    EXPECT_EQ(rio_file_size(file), cut);
+    EXPECT_EQ(rio_getc(file), -1);
+    rio_close(file);
+}
+
+TEST(MappedFile, ALookSeesThatItsFileWasCut)
+{
+    const test_folder folder;
+    const bytes data = counting(RIO_VIEW_SIZE);
+    const std::string path = folder.with("a", data);
+    RFILE *file = handle_record(path, RIO_ACCESS_READ);
+    rio_map_file(file, 1);
+    const uint8_t *lie = rio_look(file, 1000, 100000);
+    ASSERT_TRUE(lie);
+    EXPECT_EQ(bytes(lie, lie + 100000), bytes(data.begin() + 1000, data.begin() + 101000));
+    EXPECT_EQ(rio_look_ended(file), 1);
+    ASSERT_EQ(truncate(path.c_str(), 8192), 0);
+    lie = rio_look(file, 1000, 100000);
+    ASSERT_TRUE(lie);
+    EXPECT_EQ(lie[7191], data[8191]);           // the last byte that is left
+    EXPECT_EQ(lie[50000], 0);                   // gone: zero, and the program goes on
+    EXPECT_EQ(rio_look_ended(file), 0);
+    EXPECT_EQ(rio_look(file, 1000, 100000), nullptr);
+    EXPECT_EQ(rio_file_size(file), 8192);
+    rio_close(file);
+}
+
+TEST(MappedFile, MoreViewsThanThereIsRoomForAreReadThroughTheirHandles)
+{
+    const test_folder folder;
+    const std::string path = folder.with("a", counting(100));
+    std::vector<RFILE *> files;
+    int mapped = 0;
+    for (int i = 0; i < 100; i++) {
+        files.push_back(handle_record(path, RIO_ACCESS_READ));
+        mapped += rio_map_file(files.back(), 1) == 0;
+    }
+    EXPECT_EQ(mapped, 64);
+    for (RFILE *file : files) {
+        EXPECT_EQ(rio_getc(file), 0);
+        EXPECT_EQ(rio_getc(file), 7);           // counting: i * 7
+        rio_close(file);
+    }
+    RFILE *file = handle_record(path, RIO_ACCESS_READ);
+    EXPECT_EQ(rio_map_file(file, 1), 0);        // the places are free again
+    rio_close(file);
+}
+
+// A page that is lost and lies in no view is for whoever cared for such signals before.
+TEST(MappedFile, OtherLostPagesGoToTheHandlerBefore)
+{
+    // The guard's handler is set once a process: the child begins anew.
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            struct sigaction mine = {};
+            mine.sa_handler = [](int) { _exit(42); };
+            sigaction(SIGBUS, &mine, nullptr);
+            guard_take();
+            const int fd = memfd_create("pages", 0);
+            if (ftruncate(fd, 8192) != 0)
+                _exit(1);
+            const volatile uint8_t *page = (const uint8_t *)mmap(nullptr, 8192, PROT_READ, MAP_SHARED, fd, 0);
+            if (ftruncate(fd, 100) == 0)
+                _exit(page[5000]);
+        },
+        testing::ExitedWithCode(42), "");
 }
