@@ -3,8 +3,6 @@
 #include <cstdlib>
 
 #include "filters/warp_resample.h"
-#include "shell/prompt.h"
-#include "shell/session.h"
 
 int method_of_text(const char *text)
 {
@@ -22,19 +20,7 @@ double number_of_text(const char *text)
     return strtod(text, nullptr);
 }
 
-int ask_keyin(const char *title, const char *prompt)
+double cubic_parameter_of_text(const char *text)
 {
-    int input;
-    do
-        input = prompt_input(title, prompt, PROMPT_KEYIN);
-    while (!(input & (INPUT_KEYIN | INPUT_RESET | INPUT_QUIT)));
-    return input;
-}
-
-int ask_cubic_parameter(const char *title, double *parameter)
-{
-    const int input = ask_keyin(title, "Enter c.c. parameter (-2.0 -> +1.0 [-0.5])");
-    if (input == INPUT_KEYIN)
-        *parameter = keyin_buffer[0] ? number_of_text(keyin_buffer) : CUBIC_DEFAULT;
-    return input;
+    return text[0] ? number_of_text(text) : CUBIC_DEFAULT;
 }

@@ -46,9 +46,19 @@ int refuse(const char *words)
 
 // --- the operator's answers ----------------------------------------------------------------------------------------
 
+// 1 with a text in keyin_buffer, 0 on reset or quit.
+int ask_keyin(const char *prompt)
+{
+    int input;
+    do
+        input = prompt_input(TITLE, prompt, PROMPT_KEYIN);
+    while (!(input & (INPUT_KEYIN | INPUT_RESET | INPUT_QUIT)));
+    return input == INPUT_KEYIN;
+}
+
 int ask_angle(rotation *turn)
 {
-    if (ask_keyin(TITLE, "Enter counter-clockwise rotation angle (deg.)") != INPUT_KEYIN)
+    if (!ask_keyin("Enter counter-clockwise rotation angle (deg.)"))
         return GIVEN_UP;
     const double angle = number_of_text(keyin_buffer);
     if (angle == 0.0 || angle == 360.0)
@@ -63,7 +73,7 @@ int ask_angle(rotation *turn)
 
 int ask_method(rotation *turn)
 {
-    if (ask_keyin(TITLE, METHOD_PROMPT) != INPUT_KEYIN)
+    if (!ask_keyin(METHOD_PROMPT))
         return GIVEN_UP;
     turn->method = method_of_text(keyin_buffer);
     turn->cc_parameter = CUBIC_DEFAULT;
@@ -72,7 +82,12 @@ int ask_method(rotation *turn)
         snprintf(text, sizeof text, "unrecognized resampling method <%s>\n", keyin_buffer);
         return refuse(text);
     }
-    return turn->method != WARP_CUBIC || ask_cubic_parameter(TITLE, &turn->cc_parameter) == INPUT_KEYIN ? GO_ON : GIVEN_UP;
+    if (turn->method != WARP_CUBIC)
+        return GO_ON;
+    if (!ask_keyin(CUBIC_PROMPT))
+        return GIVEN_UP;
+    turn->cc_parameter = cubic_parameter_of_text(keyin_buffer);
+    return GO_ON;
 }
 
 // --- turning -----------------------------------------------------------------------------------------------------------

@@ -142,7 +142,7 @@ splice_step end_with(splice_state &splice, int result)
 // In the order of splice_step.
 constexpr splice_step (*steps[])(splice_state &) = {
     choose_input, choose_output, draw_area, make_mask, splice_initial_points, splice_fit_and_add, splice_report_fit, splice_review,
-    splice_fit_back, splice_choose_method, splice_resample,
+    splice_fit_back, splice_choose_method, splice_choose_parameter, splice_resample,
 };
 static_assert(sizeof steps / sizeof *steps == LEAVE);
 

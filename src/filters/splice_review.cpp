@@ -167,10 +167,18 @@ splice_step splice_choose_method(splice_state &splice)
         fail(text);
         return CHOOSE_METHOD;
     }
-    if (splice.method != WARP_CUBIC)
-        return RESAMPLE;
-    const int answer = ask_cubic_parameter(SPLICE_TITLE, &splice.cc_parameter);
-    return answer == INPUT_KEYIN ? RESAMPLE : answer == INPUT_RESET ? CHOOSE_METHOD : splice_stop(splice);
+    return splice.method == WARP_CUBIC ? CHOOSE_PARAMETER : RESAMPLE;
+}
+
+splice_step splice_choose_parameter(splice_state &splice)
+{
+    const int input = splice_ask(splice, CUBIC_PROMPT, PROMPT_KEYIN, INPUT_KEYIN | INPUT_RESET);
+    if (input == INPUT_QUIT)
+        return splice_stop(splice);
+    if (input == INPUT_RESET)
+        return CHOOSE_METHOD;
+    splice.cc_parameter = cubic_parameter_of_text(keyin_buffer);
+    return RESAMPLE;
 }
 
 splice_step splice_resample(splice_state &splice)

@@ -30,7 +30,8 @@ struct splice_state {
 };
 
 enum splice_step {
-    CHOOSE_INPUT, CHOOSE_OUTPUT, DRAW_AREA, MAKE_MASK, INITIAL_POINTS, FIT_AND_ADD, REPORT_FIT, REVIEW, FIT_BACK, CHOOSE_METHOD, RESAMPLE, LEAVE
+    CHOOSE_INPUT, CHOOSE_OUTPUT, DRAW_AREA, MAKE_MASK, INITIAL_POINTS, FIT_AND_ADD, REPORT_FIT, REVIEW, FIT_BACK, CHOOSE_METHOD, CHOOSE_PARAMETER,
+    RESAMPLE, LEAVE
 };
 
 splice_step splice_initial_points(splice_state &splice);
@@ -39,6 +40,7 @@ splice_step splice_report_fit(splice_state &splice);
 splice_step splice_review(splice_state &splice);
 splice_step splice_fit_back(splice_state &splice);
 splice_step splice_choose_method(splice_state &splice);
+splice_step splice_choose_parameter(splice_state &splice);
 splice_step splice_resample(splice_state &splice);
 
 // --- what the steps share ----------------------------------------------------------------------------------------------
