@@ -90,7 +90,7 @@ static void set_view(bool colour, double zoom, double degrees)
     vlt_program();
 }
 
-static void expand_pixels()
+[[maybe_unused]] static void expand_pixels()
 {
     if (!expanded.empty())
         return;

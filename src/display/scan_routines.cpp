@@ -195,7 +195,7 @@ static void scan_lines(const scan_state &state, const view_source &source)
 
 // A strip is what is painted between two looks at the events. Its source bytes are collected in pieces of this many columns: what a
 // piece reads then lies in few pages and cache lines, while whole lines run through as many source rows as they have pixels.
-static constexpr int PIECE = 32;
+static constexpr int PIECE = 128;
 
 // Lines and pixels are counted from the clip's first ones, where the walks begin.
 struct strip {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <random>
 #include <vector>
 
@@ -191,4 +192,42 @@ TEST_F(ScanKernelTwins, SlantsInEveryDirection)
                 }
             }
         }
+}
+
+// Views near 1 to 1 are sampled in squares of 8 by 8 pixels, what they leave over on all sides in single lines.
+TEST_F(ScanKernelTwins, SlantsInSquares)
+{
+    static constexpr int WIDTH = 400, HEIGHT = 300, LINES = 21, COLUMNS = 70;
+    const std::vector<uint8_t> pixels = noise(WIDTH * HEIGHT, 9);
+    std::vector<int64_t> rows;
+    for (int y = 0; y < HEIGHT; y++)
+        rows.push_back(y * WIDTH);
+    std::mt19937 random(10);
+    for (int turn = 0; turn < 400; turn++) {
+        const double angle = turn * 0.9 * 3.14159265358979 / 180, scale = turn % 3 == 0 ? 1.4 : turn % 3 == 1 ? 1 : 0.3;
+        const int64_t cosine = int64_t(std::cos(angle) / scale * 65536), sine = int64_t(std::sin(angle) / scale * 65536);
+        // Turned about a point near one of the edges, or in the middle; only what lies inside is wanted.
+        const int64_t u = (int64_t(random() % WIDTH) << 16) + int64_t(random() % 65536), v = (int64_t(random() % HEIGHT) << 16) + int64_t(random() % 65536);
+        const slanted_walk walk { pixels.data(), rows.data(), WIDTH, WIDTH * HEIGHT, u, v, cosine, sine, -sine, cosine };
+        line_part parts[LINES];
+        for (int k = 0; k < LINES; k++) {
+            const auto inside = [&](int i) {
+                const int64_t x = (walk.u + i * walk.a + k * walk.b) >> 16, y = (walk.v + i * walk.c + k * walk.d) >> 16;
+                return x >= 0 && x < WIDTH && y >= 0 && y < HEIGHT;
+            };
+            parts[k] = { 0, -1 };
+            for (int i = 0; i < COLUMNS; i++)
+                if (inside(i)) {
+                    parts[k].first = parts[k].last < 0 ? i : parts[k].first;
+                    parts[k].last = i;
+                }
+        }
+        std::vector<uint8_t> plain(LINES * COLUMNS, 7);
+        scan_kernels_plain.slant(plain.data(), COLUMNS, walk, parts, LINES);
+        for (const scan_kernel_set *twin : twins) {
+            std::vector<uint8_t> fast(LINES * COLUMNS, 7);
+            twin->slant(fast.data(), COLUMNS, walk, parts, LINES);
+            ASSERT_EQ(plain, fast) << "turn " << turn;
+        }
+    }
 }
