@@ -1,5 +1,6 @@
 // splice_exits_test.cpp - reset and quit at every prompt of the splice, windows closed under it, and memory that fails.
 #include "filters/splice_session.h"
+#include "filters/splice_state.h"
 
 namespace {
 
@@ -50,7 +51,7 @@ struct SpliceExits : Splice {
 
 constexpr const char *APPROXIMATE_IN = "Enter approximate Input image point", *REFINED_IN = "Enter refined Input image point";
 constexpr const char *APPROXIMATE_OUT = "Enter approximate Output image point", *REFINED_OUT = "Enter refined Output image point";
-constexpr const char *REVIEW = "add, delete, redraw, quit, or ok? [o]", *METHOD = "Enter resampling method (nn | bi | cc [nn])";
+constexpr const char *REVIEW_PROMPT = "add, delete, redraw, quit, or ok? [o]", *METHOD = "Enter resampling method (nn | bi | cc [nn])";
 
 } // namespace
 
@@ -142,10 +143,10 @@ TEST_F(SpliceExits, ADetailLeftBehindStaysUntilTheOperatorClosesIt)
 TEST_F(SpliceExits, ResetWithAFitGoesToTheReview)
 {
     const auto bare = [this] { EXPECT_EQ(count_windows(), 2); };
-    reset_at(APPROXIMATE_IN, 3, REVIEW, bare);
-    reset_at(REFINED_IN, 3, REVIEW, bare);
-    reset_at(APPROXIMATE_IN, 4, REVIEW, bare);
-    reset_at(REFINED_IN, 4, REVIEW, bare);
+    reset_at(APPROXIMATE_IN, 3, REVIEW_PROMPT, bare);
+    reset_at(REFINED_IN, 3, REVIEW_PROMPT, bare);
+    reset_at(APPROXIMATE_IN, 4, REVIEW_PROMPT, bare);
+    reset_at(REFINED_IN, 4, REVIEW_PROMPT, bare);
     reset_at("Accept / Reject", 0, REFINED_OUT, [this] { EXPECT_EQ(count_windows(), 4); });
     reset_at(REFINED_OUT, 3, APPROXIMATE_IN, bare);
 }
@@ -155,16 +156,44 @@ TEST_F(SpliceExits, ASecondResetAtThePredictionAddsNoPoint)
     open_two();
     const story beats = { { APPROXIMATE_IN, at_in(40, 40) }, { REFINED_IN, at_detail(true, 40, 40) }, { "Accept / Reject", reset },
                           { REFINED_OUT, reset }, { APPROXIMATE_IN, reset },
-                          { REVIEW, [] { EXPECT_STREQ(msg_text(MSG_STATUS), "Std. Error = 0.00 Degrees of Freedom = 0\n"); types("q")(); } } };
+                          { REVIEW_PROMPT, [] { EXPECT_STREQ(msg_text(MSG_STATUS), "Std. Error = 0.00 Degrees of Freedom = 0\n"); types("q")(); } } };
     EXPECT_EQ(play(windows_chosen() + area_drawn() + three_shifted() + beats), 0);
 }
 
 TEST_F(SpliceExits, ResetInTheReviewAndBehindItStepsBack)
 {
-    reset_at(REVIEW, 0, REVIEW);
-    reset_at("Which one(s)?", 0, REVIEW);
-    reset_at(METHOD, 0, REVIEW, [] { EXPECT_STREQ(msg_text(MSG_STATUS), "Std. Error = 0.00 Degrees of Freedom = 2\n"); });
+    reset_at(REVIEW_PROMPT, 0, REVIEW_PROMPT);
+    reset_at("Which one(s)?", 0, REVIEW_PROMPT);
+    reset_at(METHOD, 0, REVIEW_PROMPT, [] { EXPECT_STREQ(msg_text(MSG_STATUS), "Std. Error = 0.00 Degrees of Freedom = 2\n"); });
     reset_at("Enter c.c. parameter (-2.0 -> +1.0 [-0.5])", 0, METHOD);
+}
+
+TEST_F(SpliceExits, ThePoint513IsRefused)
+{
+    open_two();
+    splice_state splice;
+    splice.in_window = in;
+    splice.out_window = out;
+    control_points &points = splice.points;
+    for (int i = 0; i < CONTROL_POINTS - 1; i++) {
+        points.in[2 * i] = points.out[2 * i] = i % 40;
+        points.in[2 * i + 1] = points.out[2 * i + 1] = i % 50;
+        point_add(points);
+    }
+    const story beats = accepted(20, 30) + story{ { APPROXIMATE_IN, at_in(20, 20) }, { APPROXIMATE_IN, [this] {
+        EXPECT_STREQ(msg_text(MSG_STATUS), "There is no room for more than 512 control points");
+        expect_two_windows();
+        reset();
+    } } };
+    for (const beat &now : beats)
+        operator_does([now] {
+            EXPECT_EQ(prompt_text(), now.prompt);
+            now.act();
+        });
+    EXPECT_EQ(splice_fit_and_add(splice), REPORT_FIT);
+    EXPECT_EQ(points.m, 2 * CONTROL_POINTS);
+    EXPECT_NEAR(points.out[1022], 20, 1e-6);
+    EXPECT_NEAR(points.out[1023], 30, 1e-6);
 }
 
 // --- windows that go -------------------------------------------------------------------------------------------------------
