@@ -1,7 +1,5 @@
 #include "filters/neighbourhood_rows.h"
-#include "filters/vector_clones.h"
-
-#include <algorithm>
+#include "filters/row_kernels.h"
 
 const int32_t edge_base_kernel[9] = {
      1,  1,  1,
@@ -54,65 +52,40 @@ const uint8_t *tap_row(const uint8_t *const *rows, int place)
     return rows[place / 3] + place % 3;
 }
 
-VECTOR_CLONES
-void add_and_take(uint8_t *__restrict out, const uint8_t *p0, const uint8_t *p1, const uint8_t *p2,
-                  const uint8_t *m0, const uint8_t *m1, const uint8_t *m2, int count)
+void edge_byte_row(uint8_t *out, const uint8_t *const *rows, int count, const void *parameters, bool past_caches)
 {
-    for (int c = 0; c < count; c++) {
-        const int16_t sum = int16_t(p0[c] + p1[c] + p2[c] - m0[c] - m1[c] - m2[c]);
-        out[c] = uint8_t(std::clamp<int16_t>(sum, 0, 255));
+    const edge_kernel &k = *(const edge_kernel *)parameters;
+    const uint8_t *plus[3], *minus[3];
+    for (int i = 0; i < 3; i++) {
+        plus[i] = tap_row(rows, k.plus[i]);
+        minus[i] = tap_row(rows, k.minus[i]);
     }
+    row_kernels_best().edge(out, plus, minus, count, past_caches);
 }
 
-void edge_byte_row(uint8_t *out, const uint8_t *const *rows, int cols, const void *parameters)
+void edge_wide_row(uint8_t *out, const int16_t *const *rows, int count, const void *parameters, bool)
 {
     const edge_kernel &k = *(const edge_kernel *)parameters;
-    add_and_take(out + 1, tap_row(rows, k.plus[0]), tap_row(rows, k.plus[1]), tap_row(rows, k.plus[2]),
-                 tap_row(rows, k.minus[0]), tap_row(rows, k.minus[1]), tap_row(rows, k.minus[2]), cols - 2);
-}
-
-void edge_wide_row(uint8_t *out, const int16_t *const *rows, int cols, const void *parameters)
-{
-    const edge_kernel &k = *(const edge_kernel *)parameters;
-    for (int c = 1; c < cols - 1; c++) {
+    for (int c = 0; c < count; c++) {
         int64_t sum = 0;
         for (int i = 0; i < 9; i++)
-            sum += int64_t{k.tap[i]} * rows[i / 3][c - 1 + i % 3];
+            sum += int64_t{k.tap[i]} * rows[i / 3][c + i % 3];
         out[c] = clamp_level(sum);
     }
 }
 
 // --- Laplacian ---------------------------------------------------------------------------------------------------
 
-struct laplacian {
-    int weight, divisor;
-    uint16_t reciprocal;               // 2^15 over the divisor, rounded up
-};
-
-// Sums stay below 12 * 255 = 3060. With e = reciprocal * divisor - 2^15, less than 8, 3060 * e is below 2^15: the product's upper half
-// is the truncated quotient. `highest` is the largest sum whose quotient is 255. Negative sums give 0 whatever the divisor.
-VECTOR_CLONES
-void laplacian_bytes(uint8_t *__restrict out, const uint8_t *above, const uint8_t *row, const uint8_t *below, int count, uint16_t weight,
-                     uint16_t reciprocal, int16_t highest)
+void laplacian_byte_row(uint8_t *out, const uint8_t *const *rows, int count, const void *parameters, bool past_caches)
 {
+    row_kernels_best().laplace(out, rows[0], rows[1], rows[2], count, *(const laplacian *)parameters, past_caches);
+}
+
+void laplacian_wide_row(uint8_t *out, const int16_t *const *rows, int count, const void *parameters, bool)
+{
+    const laplacian &p = *(const laplacian *)parameters;
     for (int c = 0; c < count; c++) {
-        const int16_t sum = int16_t(weight * row[c + 1] - above[c + 1] - row[c] - row[c + 2] - below[c + 1]);
-        const uint16_t twice = uint16_t(2 * std::min(std::max<int16_t>(sum, 0), highest));
-        out[c] = uint8_t(uint32_t{twice} * reciprocal >> 16);
-    }
-}
-
-void laplacian_byte_row(uint8_t *out, const uint8_t *const *rows, int cols, const void *parameters)
-{
-    const laplacian &p = *(const laplacian *)parameters;
-    laplacian_bytes(out + 1, rows[0], rows[1], rows[2], cols - 2, uint16_t(p.weight), p.reciprocal, int16_t(256 * p.divisor - 1));
-}
-
-void laplacian_wide_row(uint8_t *out, const int16_t *const *rows, int cols, const void *parameters)
-{
-    const laplacian &p = *(const laplacian *)parameters;
-    for (int c = 1; c < cols - 1; c++) {
-        const int64_t sum = int64_t{p.weight} * rows[1][c] - rows[0][c] - rows[2][c] - rows[1][c - 1] - rows[1][c + 1];
+        const int64_t sum = int64_t{p.weight} * rows[1][c + 1] - rows[0][c + 1] - rows[2][c + 1] - rows[1][c] - rows[1][c + 2];
         out[c] = clamp_level(sum / p.divisor);
     }
 }
@@ -128,7 +101,7 @@ int edge_filter(const uint8_t *in, uint8_t *out, const int16_t *map, int rows, i
         return FILTER_BAD_ANGLE;
     if (rows < 3 || cols < 3)
         return FILTER_TOO_SMALL;
-    const mem_ptr<int16_t> memory = sample_memory(cols);
+    const mem_ptr<int16_t> memory = sample_memory();
     if (!memory)
         return FILTER_NO_MEMORY;
     edge_kernel kernel = turned(base, int(eighths));
@@ -140,7 +113,7 @@ int enhance_filter(const uint8_t *in, uint8_t *out, const int16_t *map, int rows
 {
     if (rows < 3 || cols < 3)
         return FILTER_TOO_SMALL;
-    const mem_ptr<int16_t> memory = sample_memory(cols);
+    const mem_ptr<int16_t> memory = sample_memory();
     if (!memory)
         return FILTER_NO_MEMORY;
     // Two rows that nothing is written to: they count in the memory that this filter asks for, which is meant.

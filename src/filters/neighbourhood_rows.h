@@ -1,14 +1,19 @@
-// neighbourhood_rows.h - private to the filters: walks the rows of an image through a look-up table and fills the borders.
+// neighbourhood_rows.h - private to the filters: walks an image through a look-up table and fills the borders.
+//
+// The image is walked in blocks, so that several streams of memory are under way at a time and what a row shares with the next one is
+// still close to the processor.
 #pragma once
 #include <cstdint>
 
 #include "filters/neighbourhood.h"
 #include "mem.h"
 
-// Kernel of one row: `rows` are its samples from the top, `cols` each; writes out[kernel / 2] up to where the kernel's right side is
-// at the last column. The byte twin serves tables whose entries all lie in 0 to 255, and must give what the wide one gives.
-typedef void (*byte_row_kernel)(uint8_t *out, const uint8_t *const *rows, int cols, const void *parameters);
-typedef void (*wide_row_kernel)(uint8_t *out, const int16_t *const *rows, int cols, const void *parameters);
+constexpr int BLOCK_ROWS = 8, BLOCK_COLS = 256;
+
+// Kernel of a part of a row: writes `count` bytes; `rows` are its samples from the top, each from the column of the kernel's left side
+// at out[0]. `past_caches` allows what row_kernels.h says. The byte twin serves tables whose entries all lie in 0 to 255, and must give what the wide one gives.
+typedef void (*byte_row_kernel)(uint8_t *out, const uint8_t *const *rows, int count, const void *parameters, bool past_caches);
+typedef void (*wide_row_kernel)(uint8_t *out, const int16_t *const *rows, int count, const void *parameters, bool past_caches);
 
 struct row_filter {
     int size;                          // 2 or 3: the kernel's rows and columns
@@ -17,8 +22,7 @@ struct row_filter {
     const void *parameters;
 };
 
-constexpr int SAMPLE_ROWS = 3;         // and one more for the row that is being computed
-mem_ptr<int16_t> sample_memory(int cols);  // for walk_rows; null, and the words on the error stream, without memory
+mem_ptr<int16_t> sample_memory();          // for walk_rows; null, and the words on the error stream, without memory
 int16_t *told_of_memory(void *block);      // the block; null is told on the error stream
 
 // FILTER_DONE or FILTER_STOPPED. `memory` is from sample_memory. The image is not smaller than the kernel.

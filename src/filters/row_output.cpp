@@ -7,8 +7,8 @@
 
 static void stream_row(uint8_t *dst, const uint8_t *row, size_t count)
 {
-    constexpr size_t LINE = 64, VECTOR = sizeof(__m128i);
-    const size_t head = (LINE - (uintptr_t(dst) & (LINE - 1))) & (LINE - 1);
+    constexpr size_t LINE = OUTPUT_LINE, VECTOR = sizeof(__m128i);
+    const size_t head = (LINE - size_t(into_line(dst))) % LINE;
     if (count < head + LINE) {
         memcpy(dst, row, count);
         return;

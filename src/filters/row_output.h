@@ -4,6 +4,12 @@
 #include <cstdint>
 
 constexpr int64_t STREAM_FROM = int64_t{4} << 20;  // bytes of a plane
+constexpr int OUTPUT_LINE = 64;        // bytes that memory moves at once
+
+inline int into_line(const uint8_t *at)
+{
+    return int(uintptr_t(at) % OUTPUT_LINE);
+}
 
 // memcpy of a row of a plane of `plane_bytes`.
 void put_row(uint8_t *dst, const uint8_t *row, size_t count, int64_t plane_bytes);

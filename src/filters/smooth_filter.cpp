@@ -1,8 +1,9 @@
 // smooth_filter.cpp - the mean over a rectangle. Sums over the kernel's rows are kept for each column: going down a row, each gains
 // the sample that enters at the bottom and loses the one that leaves at the top, so that the cost does not grow with the kernel's height.
 #include "filters/neighbourhood_rows.h"
-#include "filters/vector_clones.h"
+#include "filters/row_kernels.h"
 
+#include <algorithm>
 #include <bit>
 
 #include "services/ws.h"
@@ -11,62 +12,14 @@ namespace {
 
 // --- small kernels, in 16 bits -------------------------------------------------------------------------------------
 
-constexpr int SMALL_WIDTH = 9, SMALL_AREA_MIN = 2, SMALL_AREA_MAX = 127;
+constexpr int SMALL_AREA_MIN = 2, SMALL_AREA_MAX = 127;
 
-// (sum + area / 2) / area as a product: floor(n / area) is n * factor >> (16 + shift), exact for n up to 256 * area since
-// factor * area exceeds 2^(16 + shift) by less than area and area * area * 256 is below 2^(16 + shift) for areas up to 127.
-struct small_mean {
-    uint16_t half, factor;
-    int shift;
-};
-
+// floor(n / area) is n * factor >> (16 + shift), exact for n up to 256 * area since factor * area exceeds 2^(16 + shift) by less than
+// area and area * area * 256 is below 2^(16 + shift) for areas up to 127.
 small_mean small_mean_of(int area)
 {
     const int shift = std::bit_width(unsigned(area - 1)) - 1;
     return { uint16_t(area / 2), uint16_t(((uint32_t{1} << (16 + shift)) + uint32_t(area) - 1) / uint32_t(area)), shift };
-}
-
-template <int WIDTH>
-inline __attribute__((always_inline)) void mean_row(uint8_t *__restrict out, const uint16_t *__restrict sums, int count, const small_mean &mean)
-{
-    const uint16_t half = mean.half, factor = mean.factor;
-    const int shift = mean.shift;
-    for (int c = 0; c < count; c++) {
-        uint16_t total = half;
-        for (int i = 0; i < WIDTH; i++)
-            total = uint16_t(total + sums[c + i]);
-        out[c] = uint8_t(uint16_t(uint32_t{total} * factor >> 16) >> shift);
-    }
-}
-
-VECTOR_CLONES
-void mean_small_row(uint8_t *out, const uint16_t *sums, int count, int width, const small_mean &mean)
-{
-    switch (width) {
-    case 1: mean_row<1>(out, sums, count, mean); break;
-    case 2: mean_row<2>(out, sums, count, mean); break;
-    case 3: mean_row<3>(out, sums, count, mean); break;
-    case 4: mean_row<4>(out, sums, count, mean); break;
-    case 5: mean_row<5>(out, sums, count, mean); break;
-    case 6: mean_row<6>(out, sums, count, mean); break;
-    case 7: mean_row<7>(out, sums, count, mean); break;
-    case 8: mean_row<8>(out, sums, count, mean); break;
-    default: mean_row<9>(out, sums, count, mean); break;
-    }
-}
-
-VECTOR_CLONES
-void enter_row(uint16_t *__restrict sums, const uint8_t *bottom, int cols)
-{
-    for (int c = 0; c < cols; c++)
-        sums[c] = uint16_t(sums[c] + bottom[c]);
-}
-
-VECTOR_CLONES
-void next_row(uint16_t *__restrict sums, const uint8_t *bottom, const uint8_t *leaving, int cols)
-{
-    for (int c = 0; c < cols; c++)
-        sums[c] = uint16_t(sums[c] + bottom[c] - leaving[c]);
 }
 
 // --- kernels of any size ---------------------------------------------------------------------------------------------
@@ -87,6 +40,7 @@ void mean_large_row(uint8_t *out, const uint64_t *sums, int count, int width, ui
 struct smoothing {
     const uint8_t *in;
     int rows, cols, kernel_rows, kernel_cols;
+    const uint8_t *nothing;            // a row of zeros
 };
 
 // Row i of the kernel's places, the sums being those of the rows before.
@@ -94,15 +48,15 @@ typedef void (*smooth_row)(const smoothing &s, int i, void *sums, uint8_t *out);
 
 void small_row(const smoothing &s, int i, void *memory, uint8_t *out)
 {
+    const row_kernels &kernels = row_kernels_best();
     uint16_t *const sums = (uint16_t *)memory;
     const size_t width = size_t(s.cols);
     if (i == 0)
         for (int r = 0; r < s.kernel_rows; r++)
-            enter_row(sums, s.in + size_t(r) * width, s.cols);
+            kernels.next_sums(sums, s.in + size_t(r) * width, s.nothing, s.cols);
     else
-        next_row(sums, s.in + size_t(i + s.kernel_rows - 1) * width, s.in + size_t(i - 1) * width, s.cols);
-    const small_mean mean = small_mean_of(s.kernel_rows * s.kernel_cols);
-    mean_small_row(out + s.kernel_cols / 2, sums, s.cols - s.kernel_cols + 1, s.kernel_cols, mean);
+        kernels.next_sums(sums, s.in + size_t(i + s.kernel_rows - 1) * width, s.in + size_t(i - 1) * width, s.cols);
+    kernels.mean(out + s.kernel_cols / 2, sums, s.cols, s.kernel_cols, small_mean_of(s.kernel_rows * s.kernel_cols));
 }
 
 void large_row(const smoothing &s, int i, void *memory, uint8_t *out)
@@ -131,13 +85,14 @@ int smooth_filter(const uint8_t *in, uint8_t *out, int rows, int cols, int kerne
         return FILTER_NO_KERNEL;
     if (kernel_rows > rows || kernel_cols > cols)
         return FILTER_TOO_SMALL;
-    const mem_ptr<int16_t> sums(told_of_memory(mem_calloc(size_t(cols), sizeof(uint64_t))));
+    const mem_ptr<int16_t> sums(told_of_memory(mem_calloc(size_t(sums_count(cols)), sizeof(uint64_t))));
     if (!sums)
         return FILTER_NO_MEMORY;
-    const mem_ptr<int16_t> row(told_of_memory(mem_alloc(size_t(cols))));
-    if (!row)
+    const mem_ptr<int16_t> scratch(told_of_memory(mem_calloc(2, size_t(cols) + MEAN_OVERRUN)));
+    if (!scratch)
         return FILTER_NO_SCRATCH;
-    const smoothing s = { in, rows, cols, kernel_rows, kernel_cols };
+    uint8_t *const row = (uint8_t *)scratch.get();
+    const smoothing s = { in, rows, cols, kernel_rows, kernel_cols, row + cols + MEAN_OVERRUN };
     const int64_t area = int64_t{kernel_rows} * kernel_cols;
     const bool small = kernel_cols <= SMALL_WIDTH && area >= SMALL_AREA_MIN && area <= SMALL_AREA_MAX;
     const smooth_row do_row = small ? small_row : large_row;
@@ -146,8 +101,8 @@ int smooth_filter(const uint8_t *in, uint8_t *out, int rows, int cols, int kerne
     for (int i = 0; i <= rows - kernel_rows; i++) {
         if (stopped_at_row(i + down, rows))
             return FILTER_STOPPED;
-        do_row(s, i, sums.get(), (uint8_t *)row.get());
-        put_computed_row(out, (uint8_t *)row.get(), i + down, rows, cols, computed);
+        do_row(s, i, sums.get(), row);
+        put_computed_row(out, row, i + down, rows, cols, computed);
     }
     fill_borders(out, rows, cols, computed);
     msg_clear(MSG_KEYIN);

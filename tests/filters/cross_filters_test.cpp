@@ -1,29 +1,9 @@
-#include "filters/random_image.h"
-
-#include <cstdlib>
+#include "filters/filter_by_pixel.h"
 
 #include "filters/neighbourhood.h"
 #include "mem.h"
 
 namespace {
-
-plane sobel_by_pixel(const plane &in, const level_map &map, int rows, int cols)
-{
-    return by_pixel(rows, cols, 1, 1, rows - 2, cols - 2, [&](int r, int c) {
-        const auto at = [&](int dy, int dx) { return int{map[in[size_t((r + dy) * cols + c + dx)]]}; };
-        const int gy = at(-1, -1) + 2 * at(-1, 0) + at(-1, 1) - at(1, -1) - 2 * at(1, 0) - at(1, 1);
-        const int gx = at(-1, 1) + 2 * at(0, 1) + at(1, 1) - at(-1, -1) - 2 * at(0, -1) - at(1, -1);
-        return clamped((std::max(std::abs(gy), std::abs(gx)) + 2) / 4);
-    });
-}
-
-plane roberts_by_pixel(const plane &in, const level_map &map, int rows, int cols)
-{
-    return by_pixel(rows, cols, 1, 1, rows - 1, cols - 1, [&](int r, int c) {
-        const auto at = [&](int dy, int dx) { return int{map[in[size_t((r + dy) * cols + c + dx)]]}; };
-        return clamped(std::max(std::abs(at(-1, 0) - at(0, -1)), std::abs(at(-1, -1) - at(0, 0))));
-    });
-}
 
 const level_map maps[] = { identity_map(), random_map(17, 0, 255), random_map(18, -300, 600), random_map(19, -32768, 32767) };
 

@@ -1,41 +1,9 @@
-#include "filters/random_image.h"
+#include "filters/filter_by_pixel.h"
 
 #include "filters/neighbourhood.h"
 #include "mem.h"
 
 namespace {
-
-// The kernels of the eight directions as they are drawn, and once more the first.
-constexpr int drawn[9][9] = {
-    {  1,  1,  1,   0, 0,  0,  -1, -1, -1 },
-    {  0,  1,  1,  -1, 0,  1,  -1, -1,  0 },
-    { -1,  0,  1,  -1, 0,  1,  -1,  0,  1 },
-    { -1, -1,  0,  -1, 0,  1,   0,  1,  1 },
-    { -1, -1, -1,   0, 0,  0,   1,  1,  1 },
-    {  0, -1, -1,   1, 0, -1,   1,  1,  0 },
-    {  1,  0, -1,   1, 0, -1,   1,  0, -1 },
-    {  1,  1,  0,   1, 0, -1,   0, -1, -1 },
-    {  1,  1,  1,   0, 0,  0,  -1, -1, -1 },
-};
-
-plane edge_by_pixel(const plane &in, const level_map &map, int rows, int cols, const int *kernel)
-{
-    return by_pixel(rows, cols, 1, 1, rows - 2, cols - 2, [&](int r, int c) {
-        long long sum = 0;
-        for (int i = 0; i < 9; i++)
-            sum += kernel[i] * map[in[size_t((r + i / 3 - 1) * cols + c + i % 3 - 1)]];
-        return clamped(sum);
-    });
-}
-
-plane enhance_by_pixel(const plane &in, const level_map &map, int rows, int cols, int weight)
-{
-    return by_pixel(rows, cols, 1, 1, rows - 2, cols - 2, [&](int r, int c) {
-        const auto at = [&](int y, int x) { return int{map[in[size_t(y * cols + x)]]}; };
-        const int sum = weight * at(r, c) - at(r - 1, c) - at(r + 1, c) - at(r, c + 1) - at(r, c - 1);
-        return clamped(sum / (weight == 4 ? 1 : weight - 4));
-    });
-}
 
 std::vector<level_map> maps_of_all_kinds()
 {
@@ -57,7 +25,7 @@ TEST(EdgeFilter, EqualsTheSumOfProductsAtEverySizeAndAngle)
                     ASSERT_EQ(out, plane(in.size(), UNWRITTEN));
                 } else {
                     ASSERT_EQ(result, 0);
-                    ASSERT_EQ(out, edge_by_pixel(in, map, rows, cols, drawn[k])) << rows << " x " << cols << " k " << k;
+                    ASSERT_EQ(out, edge_by_pixel(in, map, rows, cols, edge_drawn[k])) << rows << " x " << cols << " k " << k;
                 }
             }
         });

@@ -1,20 +1,9 @@
-#include "filters/random_image.h"
+#include "filters/filter_by_pixel.h"
 
 #include "filters/neighbourhood.h"
 #include "mem.h"
 
 namespace {
-
-plane mean_by_pixel(const plane &in, int rows, int cols, int h, int w)
-{
-    return by_pixel(rows, cols, h / 2, w / 2, rows - h + h / 2, cols - w + w / 2, [&](int r, int c) {
-        int sum = 0;
-        for (int y = r - h / 2; y < r - h / 2 + h; y++)
-            for (int x = c - w / 2; x < c - w / 2 + w; x++)
-                sum += in[size_t(y * cols + x)];
-        return (sum + h * w / 2) / (h * w);
-    });
-}
 
 void expect_mean(int rows, int cols, int h, int w, unsigned seed)
 {
