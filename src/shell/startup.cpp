@@ -14,6 +14,7 @@
 #include "enhance/tune.h"
 #include "forms/forms.h"
 #include "services/hostpath.h"
+#include "services/jpeg_driver.h"
 #include "services/ws.h"
 #include "shell/command_table.h"
 #include "shell/menu.h"
@@ -52,6 +53,7 @@ static int start_services()
     ws_application_hooks.frame_close = frame_may_close;
     ws_application_hooks.file_dropped = file_dropped;
     rio_path_resolver = host_path_resolver;
+    rio_jpeg_driver = &jpeg_driver;
     if (forms_init() != 0) {
         report(REPORT_ERROR, "unable to allocate memory for internal buffer\n");
         return 0;

@@ -55,7 +55,7 @@
     PLAIN(set_active_image,    "Set Active Image",     int, (RFILE *file, int), 1)                           \
     PLAIN(randomize,           "Randomize",            int, (RFILE *file), 1)                                \
     VOID(rewind,               "Rewind",               (RFILE *file))                                        \
-    VOID(ck_jpeg,              "ckJPEG",               (RFILE *file))                                        \
+    VOID(ck_jpeg,              "ckJPEG",               (RFILE *file, uint32_t))                              \
     VOID(close,                "Close",                (RFILE *file))                                        \
     VOID(free_specs,           "Free specs",           (RFILE *file))                                        \
     PLAIN(get_image_offset,    "Get Image Offset",     int64_t, (RFILE *file), 0)

@@ -95,6 +95,7 @@ struct natv_specs {
     uint16_t (*wide_vlt)[3];        // a type 2 colour table as it is stored: 256 entries of red, green, blue
     const uint8_t *packet_buffer;   // application packets to be written; the caller's, or the library's (RIO_PACKET_OWNED)
     int64_t packet_buffer_words;    // of them, as key 7 has summed them up
+    int32_t jpeg_quality;           // that key 508 asked for; 0 the default
     uint8_t header[NATV_HEADER_BYTES];
 };
 
@@ -141,12 +142,14 @@ double natv_from_vax(const uint8_t *p);
 void natv_to_vax(uint8_t *p, double value);
 
 // ntvpos
-bool natv_is_compressed(uint32_t type);         // lines without a length of their own, CCITT and JPEG included
+bool natv_is_compressed(uint32_t type);         // lines without a length of their own, CCITT and JPEG (RIO/JPEG) included
 bool natv_is_jpeg(uint32_t type);
 bool natv_is_ccitt(uint32_t type);
 bool natv_uses_feed(const RFILE *file);         // lines are read through the feed
 int64_t natv_header_end(const RFILE *file);     // file offset from which tiles and overviews are counted
 int64_t natv_data_start(const RFILE *file);     // file offset of the active image's first pixel
+// The first byte behind the active image's data: the next overview's, the next image's, or the end of the file.
+int64_t natv_data_end(RFILE *file);
 int64_t natv_stride(const RFILE *file);         // bytes a line on disk; 0 when lines differ
 int natv_seek(RFILE *file, int line);
 void natv_rewind(RFILE *file);
@@ -179,6 +182,7 @@ int natv_write_whole(RFILE *file, const uint8_t *codes, int64_t bytes);     // i
 // ntvgetli
 int natv_getline(RFILE *file, int count, uint8_t **lines);      // slot Getline
 int natv_get_line(RFILE *file, int count, uint8_t **lines);     // slot Get_line
+int64_t natv_place_of_lines(RFILE *file, int *lines);
 // Decodes one line of the image or tile at hand into the row. Pixels, fewer when the data end early, or NATV_OVERRUN.
 int64_t natv_read_row(RFILE *file, const natv_row *row);
 // Interleaved pixels, one behind another, into the row's planes; `bytes` are taken from the file. 1; 0 short.
@@ -240,6 +244,7 @@ void natv_drop_tiles(RFILE *file);
 int natv_get_tile(RFILE *file, int count, uint8_t **buffers, int32_t *value);
 int natv_put_tile(RFILE *file, int count, uint8_t **buffers, const int32_t *value);
 int natv_get_rle_tile(RFILE *file, uint8_t *buffer, int *size, int32_t *value);
+int64_t natv_place_of_tile(RFILE *file, int64_t tile, int64_t *row_bytes);
 int natv_put_rle_tile(RFILE *file, const uint8_t *buffer, int size, const int32_t *value);
 // The record made to stand for one tile: its live size, its line 0. And back.
 struct natv_tile {

@@ -13,6 +13,9 @@ static bool has_interleaved_lines(const RFILE *file)
     case RIO_TYPE_4_BYTE_RUN:
     case RIO_TYPE_RGB: return true;
     case RIO_TYPE_BYTE_RUN:
+    case RIO_TYPE_JPEG:
+    case RIO_TYPE_JPEG_RGB:
+    case RIO_TYPE_JPEG_4:
     case RIO_TYPE_4: return !scannable;
     default: return false;
     }

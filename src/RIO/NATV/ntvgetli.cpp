@@ -1,5 +1,6 @@
 // ntvgetli.cpp - reads lines: one table for lines as they stand, one for lines with headers.
 #include "RIO/CORE/split_pixels.h"
+#include "RIO/JPEG/jp.h"
 #include "RIO/NATV/ntv.h"
 #include <algorithm>
 #include <cstdio>
@@ -59,28 +60,24 @@ static bool wanted(const natv_row *row)
     return std::any_of(row->plane, row->plane + row->planes, [](const uint8_t *p) { return p != nullptr; });
 }
 
-// The next bytes where a mapped file's view holds them; null when it does not.
-static const uint8_t *bytes_in_view(RFILE *file, int64_t bytes)
-{
-    rio_mapping *m = file->mapping;
-    const int64_t into = m ? m->position - m->window_start : -1;
-    if (into < 0 || into + bytes > m->window_held)
-        return nullptr;
-    m->position += bytes;
-    return m->view + into;
-}
-
 int natv_read_pixels(RFILE *file, const natv_row *row, int64_t bytes, int64_t pixels)
 {
-    const uint8_t *from = bytes_in_view(file, bytes);
-    if (!from) {
-        uint8_t *held = natv_scratch(file, bytes);
-        if (!held || !rio_read_exact(file, held, bytes))
-            return 0;
-        from = held;
+    if (const uint8_t *lying = rio_look(file, rio_byte_tell(file), bytes)) {
+        split(lying, row, 0, pixels);
+        if (rio_look_ended(file))
+            return file->io.f_seek(file->stream, bytes, SEEK_CUR) == 0;
     }
-    split(from, row, 0, pixels);
+    uint8_t *held = natv_scratch(file, bytes);
+    if (!held || !rio_read_exact(file, held, bytes))
+        return 0;
+    split(held, row, 0, pixels);
     return 1;
+}
+
+int64_t natv_place_of_lines(RFILE *file, int *)
+{
+    const bool plain = file->data_type <= RIO_TYPE_128 && !natv_uses_feed(file) && file->access == RIO_ACCESS_READ;
+    return plain && !file->line_offsets ? rio_byte_tell(file) : -1;
 }
 
 static int64_t read_plain(RFILE *file, const natv_row *row, int64_t stride)
@@ -154,6 +151,8 @@ int64_t natv_read_row(RFILE *file, const natv_row *row)
 {
     if (natv_is_ccitt(file->data_type))
         return natv_get_ccitt(file, row->plane[0]);
+    if (natv_is_jpeg(file->data_type))
+        return jpeg_get_lines(file, row->planes, row->plane);
     const natv_decoder decode = decoder_of(file->data_type);
     if (!decode)
         return rio_fail(file, RIO_UNSUPPORTED, "ntvgetli");

@@ -1,4 +1,5 @@
 // ntvgetti.cpp - reads tiles: of pixels, and of run lengths.
+#include "RIO/JPEG/jp.h"
 #include "RIO/NATV/ntv.h"
 #include <algorithm>
 #include <cstring>
@@ -28,6 +29,8 @@ void natv_start_tile(RFILE *file, const natv_entry &entry)
     const int64_t at = natv_header_end(file) + entry.offset;
     if (natv_is_ccitt(file->data_type))
         natv_place_ccitt(file, at, entry.used);
+    else if (natv_is_jpeg(file->data_type))
+        jpeg_enter_picture(file, at, entry.used);
     else if (file->flags & RIO_SCANNABLE)
         natv_start_segments(file, at);
     else
@@ -43,6 +46,18 @@ bool natv_tile_is_interleaved(const RFILE *file)
 {
     return (file->data_type == RIO_TYPE_RGB || file->data_type == RIO_TYPE_4) && !(file->flags & RIO_SCANNABLE)
            && file->width == file->tiles->tile_width;
+}
+
+int64_t natv_place_of_tile(RFILE *file, int64_t tile, int64_t *row_bytes)
+{
+    const natv_entry entry = natv_get_entry(file, tile);
+    if (file->data_type > RIO_TYPE_128 || file->flags & RIO_SCANNABLE || entry.offset == 0)
+        return -1;
+    // The last tile of a row has rows of its live width.
+    const rio_tiles *t = file->tiles;
+    const int64_t left = tile % t->tiles_across * t->tile_width;
+    *row_bytes = rio_row_bytes(file, std::min<int64_t>(t->tile_width, file->width - left));
+    return natv_header_end(file) + entry.offset;
 }
 
 static bool none_wanted(int count, uint8_t **buffers)
@@ -119,6 +134,8 @@ static void give_solid(const RFILE *file, int count, uint8_t **buffers, uint32_t
 // Rows of the tile one after another, `row_bytes` apart.
 static int read_rows(RFILE *file, int count, uint8_t **buffers)
 {
+    if (natv_is_jpeg(file->data_type))
+        return jpeg_get_tile(file, count, buffers) != 0;
     const int step = pixel_step(file);
     const int64_t row_bytes = rio_tile_row_bytes(file) * step;
     if (natv_tile_is_plain(file))

@@ -1,4 +1,5 @@
 // ntvinfo.cpp - header values of native files by key, and the summary record.
+#include "RIO/JPEG/jp.h"
 #include "RIO/NATV/ntv.h"
 #include <algorithm>
 #include <cstring>
@@ -187,6 +188,7 @@ int natv_get_hdr_data(RFILE *file, int key, void *value)
     case RIO_KEY_OVERVIEW_FACTOR: return rio_answer(value, overview_factor(file));
     case RIO_KEY_VLT_PAD: return rio_answer(value, vlt_pad(file));
     case RIO_KEY_PACKET_FREE: return rio_answer(value, packet_free(file));
+    case RIO_KEY_JPEG_QUALITY: return rio_answer(value, file->jpeg->quality);
     default: return rio_plain_get_hdr_data(file, key, value);
     }
 }
@@ -250,6 +252,8 @@ static int set_data_type(RFILE *file, int type)
         file->bits_per_sample = std::min(file->bits_per_sample, 16);
     }
     rio_set_shape(file, file->data_type);
+    if (!natv_is_jpeg(file->data_type))
+        jpeg_drop_packet(file);
     return 0;
 }
 
@@ -271,6 +275,15 @@ static int add_packet_words(RFILE *file, int words)
     natv_put_u32(file, NATV_PACKET_WORDS, sum);
     natv(file)->packet_buffer_words += words;
     return 0;
+}
+
+// The quality may be told before the data type.
+static int set_quality(RFILE *file, int quality)
+{
+    if (quality < 0 || quality > INT16_MAX)
+        return refuse_value(file);
+    natv(file)->jpeg_quality = quality;
+    return natv_is_jpeg(file->data_type) ? jpeg_start_write(file, quality) : 0;
 }
 
 static int set_scannable(RFILE *file, int on)
@@ -345,6 +358,7 @@ int natv_set_hdr_data(RFILE *file, int key, const void *value)
     case RIO_KEY_TILE_HEIGHT: return set_tiles(file, key, number(value));
     case RIO_KEY_OVERVIEW_COUNT: return natv_set_overview_count(file, number(value));
     case RIO_KEY_OVERVIEW_FACTOR: return set_factor(file, number(value));
+    case RIO_KEY_JPEG_QUALITY: return set_quality(file, number(value));
     default: return 0;
     }
 }
@@ -367,6 +381,7 @@ int natv_get_stat(RFILE *file, rio_stat *stat)
     stat->vlt_pad = vlt_pad(file);
     stat->packet_words = application_words(file);
     stat->packet_free = packet_free(file);
+    stat->jpeg_quality = file->jpeg ? file->jpeg->quality : 0;
     get_transform(file, stat->transform);
     stat->aspect_ratio = aspect_ratio(file);
     return 0;
@@ -386,6 +401,7 @@ int natv_set_stat(RFILE *file, const rio_stat *stat)
         file->width = stat->width;
         file->height = stat->height;
         set_scannable(file, stat->scannable);
+        specs->jpeg_quality = std::clamp(stat->jpeg_quality, 0, INT16_MAX);
     }
     natv_put_u16(file, NATV_DEVICE_CODE, stat->device_code);
     natv_put_u16(file, NATV_APPLICATION_TYPE, stat->application_type);

@@ -1,5 +1,6 @@
 // ntvinit.cpp - the start of a new native file, and the slots that the format fills.
 #include "RIO/CORE/line_runs.h"
+#include "RIO/JPEG/jp.h"
 #include "RIO/NATV/ntv.h"
 
 void natv_start_header(RFILE *file)
@@ -88,9 +89,12 @@ static constexpr rio_ops natv_ops = [] {
     ops.set_active_image = natv_set_active_image;
     ops.randomize = natv_randomize;
     ops.rewind = natv_rewind;
+    ops.ck_jpeg = jpeg_set_direction;
     ops.close = natv_close_image;
     ops.free_specs = natv_free_specs;
     ops.get_image_offset = natv_get_image_offset;
+    ops.place_of_lines = natv_place_of_lines;
+    ops.place_of_tile = natv_place_of_tile;
     return ops;
 }();
 

@@ -1,5 +1,6 @@
 // ntvmulti.cpp - several images in a file: each header holds the place of the next one's. A chain only leads forward: it
 // ends at an offset that is not behind the header that holds it, or that lies outside the file.
+#include "RIO/JPEG/jp.h"
 #include "RIO/NATV/ntv.h"
 #include <algorithm>
 #include <cstring>
@@ -81,6 +82,7 @@ static void forget_image(RFILE *file)
 {
     natv_specs *specs = natv(file);
     natv_drop_tiles(file);
+    jpeg_drop(file);
     mem_free(file->line_offsets);
     file->line_offsets = nullptr;
     free_packet(&specs->overview_dir);

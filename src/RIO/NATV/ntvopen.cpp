@@ -97,8 +97,6 @@ RFILE *natv_open_r(RFILE *file, const char *name)
         rio_discard(file);
         return nullptr;
     }
-    if (specs->data_type >= RIO_TYPE_JPEG && specs->data_type <= RIO_TYPE_JPEG_4)
-        file->flags |= RIO_JPEG;
     return file;
 }
 

@@ -1,4 +1,5 @@
 // ntvov.cpp - overviews: their directory, which of them is active, and what the active one makes of the record.
+#include "RIO/JPEG/jp.h"
 #include "RIO/NATV/ntv.h"
 #include <algorithm>
 #include <cstring>
@@ -212,10 +213,20 @@ static int activate_new(RFILE *file)
     return 1;
 }
 
+static int start_jpeg(RFILE *file)
+{
+    const bool is_jpeg = natv_is_jpeg(file->data_type);
+    file->flags = is_jpeg ? file->flags | RIO_JPEG : file->flags & ~uint32_t(RIO_JPEG);
+    jpeg_enter_picture(file, 0, 0);
+    return !is_jpeg || file->jpeg || jpeg_check_open(file) == 0;
+}
+
 static int finish(RFILE *file)
 {
     file->data_type = natv(file)->data_type;
     rio_set_shape(file, file->data_type);
+    if (!start_jpeg(file))
+        return 1;
     file->ccitt_kind = file->ccitt_group = 0;
     if (!natv_start_ccitt(file))
         return 1;

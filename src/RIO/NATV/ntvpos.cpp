@@ -51,8 +51,7 @@ int64_t natv_stride(const RFILE *file)
     }
 }
 
-// The first byte behind the active image's lines: the next overview's, the next image's, or the end of the file.
-static int64_t data_end(RFILE *file)
+int64_t natv_data_end(RFILE *file)
 {
     const uint32_t next_image = natv_u32(file, NATV_NEXT_IMAGE);
     int64_t end = next_image > file->image_offset ? int64_t{ next_image } : rio_file_size(file);
@@ -70,7 +69,7 @@ void natv_find_line_pad(RFILE *file)
     if (file->data_type != RIO_TYPE_RGB || file->width % 2 == 0 || file->flags & (RIO_TILED | RIO_SCANNABLE))
         return;
     const int64_t plain = 3 * int64_t{ file->width } * file->height;
-    if (data_end(file) - natv_data_start(file) == plain + file->height)
+    if (natv_data_end(file) - natv_data_start(file) == plain + file->height)
         file->flags |= RIO_PAD_LINE;
 }
 

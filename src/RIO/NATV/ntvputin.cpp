@@ -1,4 +1,5 @@
 // ntvputin.cpp - writes lines of interleaved pixels.
+#include "RIO/JPEG/jp.h"
 #include "RIO/NATV/ntv.h"
 
 static bool has_interleaved_lines(const RFILE *file)
@@ -8,6 +9,8 @@ static bool has_interleaved_lines(const RFILE *file)
     case RIO_TYPE_RGB_BYTE_RUN:
     case RIO_TYPE_4_BYTE_RUN:
     case RIO_TYPE_RGB:
+    case RIO_TYPE_JPEG_RGB:
+    case RIO_TYPE_JPEG_4:
     case RIO_TYPE_4: return !(file->flags & RIO_SCANNABLE);
     default: return false;
     }
@@ -51,7 +54,9 @@ int natv_put_interleaved(RFILE *file, uint8_t *buffer)
     const int step = file->flags & RIO_PAD4 ? 4 : file->samples_per_pixel;
     const bool as_they_stand = !natv_is_compressed(file->data_type) && step == file->samples_per_pixel;
     const int64_t began = natv_begin_put(file);
-    const int pixels = natv_put_result(file, as_they_stand ? write_pixels(file, buffer) : write_planes(file, buffer, step));
+    const int pixels = natv_put_result(file, as_they_stand ? write_pixels(file, buffer)
+                                             : natv_is_jpeg(file->data_type) ? jpeg_put_lines(file, 1, &buffer)
+                                                                             : write_planes(file, buffer, step));
     natv_end_put(file, began);
     return pixels;
 }

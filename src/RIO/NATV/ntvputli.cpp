@@ -1,6 +1,7 @@
 // ntvputli.cpp - writes lines, coded by the file's type.
 #include "RIO/CORE/line_runs.h"
 #include "RIO/CORE/split_pixels.h"
+#include "RIO/JPEG/jp.h"
 #include "RIO/NATV/ntv.h"
 #include <algorithm>
 
@@ -26,8 +27,9 @@ static int check_at_end(RFILE *file)
     const bool coded = natv_is_compressed(file->data_type) || file->flags & RIO_SCANNABLE;
     if (!(file->access & RIO_ACCESS_ON_DISK) || !coded || !(file->flags & RIO_HEADER_DONE) || file->flags & RIO_TILED)
         return 0;
-    const int64_t end = rio_file_size(file);
-    if (natv_is_ccitt(file->data_type) || natv_is_jpeg(file->data_type) || natv_place(file) >= end) {
+    // A JPEG image is written at its last line: until then its data start is the end.
+    const int64_t end = rio_file_size(file), place = natv_is_jpeg(file->data_type) ? natv_data_start(file) : natv_place(file);
+    if (natv_is_ccitt(file->data_type) || place >= end) {
         rio_byte_seek(file, natv_place(file));
         return 0;
     }
@@ -141,7 +143,7 @@ int natv_write_row(RFILE *file, const natv_row *row)
     if (!natv_is_compressed(file->data_type))
         return write_plain(file, row);
     if (natv_is_jpeg(file->data_type))
-        return rio_fail(file, RIO_UNSUPPORTED, "ntvputli");
+        return jpeg_put_lines(file, row->planes, row->plane);
     const int64_t most = natv_most_bytes(file->data_type, row->planes, row->width);
     uint8_t *codes = natv_encode_room(file, most);
     return codes && natv_write_codes(file, codes, encode(file, row, codes, most)) ? row->width : 0;

@@ -1,4 +1,5 @@
 // ntvputti.cpp - writes tiles: of pixels, and of run lengths. A tile rewritten elsewhere leaves its old place unused.
+#include "RIO/JPEG/jp.h"
 #include "RIO/NATV/ntv.h"
 #include <algorithm>
 
@@ -54,6 +55,8 @@ static void put_solid(RFILE *file, int32_t value)
 
 static int write_rows(RFILE *file, int count, uint8_t **buffers)
 {
+    if (natv_is_jpeg(file->data_type))
+        return jpeg_put_tile(file, count, buffers) != 0;
     const int64_t row_bytes = rio_tile_row_bytes(file);
     if (natv_tile_is_plain(file) && buffers[0])
         return rio_write_exact(file, buffers[0], row_bytes * file->height)

@@ -1,4 +1,5 @@
 // ntvwrthd.cpp - writes the header, the colour table and the packets.
+#include "RIO/JPEG/jp.h"
 #include "RIO/NATV/ntv.h"
 #include <algorithm>
 #include <cstring>
@@ -41,16 +42,6 @@ static int64_t settle_vlt(RFILE *file, bool given)
     return 0;
 }
 
-// Tests that the texts call multiples of 8 are of 4; this is meant.
-static int check_jpeg_size(RFILE *file)
-{
-    if (file->data_type < RIO_TYPE_JPEG || file->data_type > RIO_TYPE_JPEG_4 || file->flags & RIO_TILED)
-        return 1;
-    if (file->height % 4)
-        return rio_fail(file, RIO_BAD_FIELD, "JPEG ysize must be multiple of 8\n");
-    return file->width % 4 ? rio_fail(file, RIO_BAD_FIELD, "JPEG xsize must be multiple of 8\n") : 1;
-}
-
 // Settles every field that depends on others. 1; 0 with the error set.
 static int settle_header(RFILE *file)
 {
@@ -61,8 +52,6 @@ static int settle_header(RFILE *file)
     if (!overview)
         natv_put_u16(file, NATV_DATA_TYPE, file->flags & RIO_TILED ? int{ RIO_TYPE_TILED } : int(file->data_type));
     int64_t words = NATV_DEFAULT_WORDS + settle_vlt(file, file->vlt_entries || file->vlt);
-    if (!check_jpeg_size(file))
-        return 0;
     const int64_t packet_words = natv_u32(file, NATV_PACKET_WORDS);
     if (packet_words) {
         if (!done || natv_u32(file, NATV_PACKET_OFFSET) == 0)
@@ -157,7 +146,8 @@ int natv_write_header(RFILE *file)
         return rio_fail_status(file, RIO_BAD_SIZE, "natv_write_header");
     if (file->data_type == RIO_TYPE_BYTE_RLE && !(file->flags & RIO_TILED))
         file->flags |= RIO_SCANNABLE;
-    if (!settle_header(file))
+    const bool starts_jpeg = natv_is_jpeg(file->data_type) && !(file->flags & RIO_HEADER_DONE);
+    if ((starts_jpeg && jpeg_start_write(file, natv(file)->jpeg_quality) != 0) || !settle_header(file))
         return 1;
     const int64_t bytes = natv_i16(file, NATV_VLT_TYPE) == 1 ? NATV_SHORT_HEADER_BYTES : NATV_HEADER_BYTES;
     if (!rio_write_at(file, file->image_offset, natv(file)->header, bytes) || !write_vlt(file) || !write_packets(file)

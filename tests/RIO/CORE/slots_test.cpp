@@ -69,7 +69,7 @@ TEST_F(SlotsTest, EveryDummyReportsItsNameAndItsOwnResult)
     expect_dummy("Set Active Image", 1, [&] { return ops.set_active_image(file, 0); });
     expect_dummy("Randomize", 1, [&] { return ops.randomize(file); });
     expect_dummy("Rewind", 0, [&] { return ops.rewind(file), 0; });
-    expect_dummy("ckJPEG", 0, [&] { return ops.ck_jpeg(file), 0; });
+    expect_dummy("ckJPEG", 0, [&] { return ops.ck_jpeg(file, 0), 0; });
     expect_dummy("Close", 0, [&] { return ops.close(file), 0; });
     expect_dummy("Free specs", 0, [&] { return ops.free_specs(file), 0; });
     expect_dummy("Get Image Offset", 0, [&] { return ops.get_image_offset(file); });
