@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr int RUN_PIXELS = 32;         // of a row, whatever its direction in the image, still lie close together
+
 // Truncates; what 32 bits cannot hold becomes the nearest that they can, and what is no number 0.
 int32_t held_weight(double weight)
 {
@@ -67,19 +69,20 @@ void resample_row(const uint8_t *in, uint8_t *out, int in_rows, int in_cols, int
                   const int64_t *row_start, const int32_t *w0, const int32_t *w1, const int32_t *w2, const int32_t *w3)
 {
     const warp_source source = { in, in_rows, in_cols, row_start };
+    warp_window window;
     cubic_table table;
     if (method == WARP_CUBIC)
         fill_cubic_table(&table, w0, w1, w2, w3);
     if (method == WARP_BILINEAR || method == WARP_CUBIC)
         shift_by_half(rows, cols, count);
-    for (int i = 0; i < count; i += TILE_PIXELS) {
-        const int part = std::min(TILE_PIXELS, count - i);
+    for (int i = 0; i < count; i += RUN_PIXELS) {
+        const int part = std::min(RUN_PIXELS, count - i);
         if (method == WARP_NEAREST)
-            sample_nearest(source, out + i, rows + i, cols + i, part, FROM_ZERO);
+            sample_nearest(source, &window, out + i, rows + i, cols + i, part, FROM_ZERO);
         else if (method == WARP_BILINEAR)
-            sample_bilinear(source, out + i, rows + i, cols + i, part);
+            sample_bilinear(source, &window, out + i, rows + i, cols + i, part);
         else if (method == WARP_CUBIC)
-            sample_cubic(source, out + i, rows + i, cols + i, part, table);
+            sample_cubic(source, &window, out + i, rows + i, cols + i, part, table);
     }
 }
 
@@ -109,11 +112,12 @@ void nearest_run(const uint8_t *in, uint8_t *out, int in_rows, int in_cols, int 
                  const int64_t *row_start)
 {
     const warp_source source = { in, in_rows, in_cols, row_start };
-    double rows[TILE_PIXELS], cols[TILE_PIXELS];
+    double rows[RUN_PIXELS], cols[RUN_PIXELS];
+    warp_window window;
     run_state run = run_from(rs, cs, re, ce, count);
-    for (int i = 0; i < count; i += TILE_PIXELS) {
-        const int part = std::min(TILE_PIXELS, count - i);
+    for (int i = 0; i < count; i += RUN_PIXELS) {
+        const int part = std::min(RUN_PIXELS, count - i);
         walk(&run, part, rows, cols);
-        sample_nearest(source, out + i, rows, cols, part, ABOVE_MINUS_ONE);
+        sample_nearest(source, &window, out + i, rows, cols, part, ABOVE_MINUS_ONE);
     }
 }

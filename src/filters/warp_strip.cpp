@@ -9,6 +9,10 @@
 namespace {
 
 constexpr int STRIP_COLS = TILE_PIXELS / STRIP_ROWS;
+constexpr int AHEAD = 4 * STRIP_COLS;
+
+typedef double lanes __attribute__((vector_size(64)));
+constexpr int LANES = sizeof(lanes) / sizeof(double), PARTS = 2 * STRIP_ROWS / LANES;
 
 // The place of each row where the strip has got to, and its steps.
 struct strip_walk {
@@ -28,26 +32,31 @@ void start_walk(strip_walk *walk, const warp_line *lines, int out_cols)
 
 // Sums of steps round, so each row must take its own one by one; the rows can go side by side. `shift` is taken from each coordinate.
 VECTOR_CLONES
-void walk_columns(strip_walk *walk, int count, double shift, double *__restrict rows, double *__restrict cols)
+void walk_columns(strip_walk *walk, int count, double shift, double *rows, double *cols)
 {
-    strip_walk w = *walk;
-    for (int j = 0; j < count; j++, rows += STRIP_ROWS, cols += STRIP_ROWS)
-        for (int k = 0; k < STRIP_ROWS; k++) {
-            rows[k] = w.row[k] - shift;
-            cols[k] = w.col[k] - shift;
-            w.row[k] += w.row_step[k];
-            w.col[k] += w.col_step[k];
+    lanes place[PARTS], step[PARTS];
+    memcpy(place, walk->row, sizeof place);
+    memcpy(step, walk->row_step, sizeof step);
+    double *const to[PARTS] = { rows, rows + LANES, cols, cols + LANES };
+    for (int j = 0; j < count; j++)
+        for (int k = 0; k < PARTS; k++) {
+            const lanes shifted = place[k] - shift;
+            memcpy(to[k] + j * STRIP_ROWS, &shifted, sizeof shifted);
+            place[k] += step[k];
         }
-    *walk = w;
+    memcpy(walk->row, place, sizeof place);
 }
 
-// Sampled column by column, put down in rows.
+// Sampled column by column, put down in rows; what the next tiles will write is called for.
 void put_tile(uint8_t *out, int out_cols, const uint8_t *tile, int count)
 {
     uint8_t turned[TILE_PIXELS];
     transpose_block(tile, STRIP_ROWS, turned, STRIP_COLS, count, STRIP_ROWS);
-    for (int k = 0; k < STRIP_ROWS; k++)
-        memcpy(out + int64_t{k} * out_cols, turned + k * STRIP_COLS, size_t(count));
+    for (int k = 0; k < STRIP_ROWS; k++) {
+        uint8_t *const row = out + int64_t{k} * out_cols;
+        memcpy(row, turned + k * STRIP_COLS, size_t(count));
+        __builtin_prefetch(row + AHEAD, 1);
+    }
 }
 
 } // namespace
@@ -55,19 +64,20 @@ void put_tile(uint8_t *out, int out_cols, const uint8_t *tile, int count)
 void warp_strip(const warp_source &in, uint8_t *out, int out_cols, const warp_line *lines, int method, const cubic_table &table)
 {
     const double shift = method == WARP_NEAREST ? 0.0 : 0.5;
-    double rows[TILE_PIXELS], cols[TILE_PIXELS];
+    alignas(lanes) double rows[TILE_PIXELS], cols[TILE_PIXELS];
     uint8_t tile[TILE_PIXELS];
+    warp_window window;
     strip_walk walk;
     start_walk(&walk, lines, out_cols);
     for (int c = 0; c < out_cols; c += STRIP_COLS) {
         const int count = std::min(STRIP_COLS, out_cols - c), pixels = count * STRIP_ROWS;
         walk_columns(&walk, count, shift, rows, cols);
         if (method == WARP_NEAREST)
-            sample_nearest(in, tile, rows, cols, pixels, ABOVE_MINUS_ONE);
+            sample_nearest(in, &window, tile, rows, cols, pixels, ABOVE_MINUS_ONE);
         else if (method == WARP_BILINEAR)
-            sample_bilinear(in, tile, rows, cols, pixels);
+            sample_bilinear(in, &window, tile, rows, cols, pixels);
         else if (method == WARP_CUBIC)
-            sample_cubic(in, tile, rows, cols, pixels, table);
+            sample_cubic(in, &window, tile, rows, cols, pixels, table);
         else
             return;
         put_tile(out + c, out_cols, tile, count);

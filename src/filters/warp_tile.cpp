@@ -1,7 +1,8 @@
-// Tiles wholly inside the image are sampled by loops without tests, which leave the arithmetic to vectors; tiles wholly outside are 0. The
-// few tiles across an edge go pixel by pixel, and say what the others must give.
+// Tiles far enough inside the image are sampled from a window by loops without tests, which leave the arithmetic to vectors; tiles wholly
+// outside are 0. Others, across an edge or far apart, go pixel by pixel, and say what the loops must give.
 #include "filters/warp_tile.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "filters/vector_clones.h"
@@ -17,20 +18,9 @@ struct bounds {
     double low, row_high, col_high;
 };
 
-// The pixels whose coordinates are so far from all sides.
-bounds inside_by(const warp_source &in, int before, int behind)
+bounds bounds_of(const warp_source &in, double lowest)
 {
-    return { double(before), double(in.rows) - behind, double(in.cols) - behind };
-}
-
-VECTOR_CLONES
-int count_inside(const double *rows, const double *cols, int count, const bounds &b)
-{
-    const auto [low, row_high, col_high] = b;
-    int inside = 0;
-    for (int i = 0; i < count; i++)
-        inside += int(rows[i] >= low) & int(rows[i] < row_high) & int(cols[i] >= low) & int(cols[i] < col_high);
-    return inside;
+    return { lowest, double(in.rows), double(in.cols) };
 }
 
 bool is_inside(double row, double col, const bounds &b)
@@ -38,33 +28,85 @@ bool is_inside(double row, double col, const bounds &b)
     return row >= b.low && row < b.row_high && col >= b.low && col < b.col_high;
 }
 
-struct whole_places {
-    int32_t row[TILE_PIXELS], col[TILE_PIXELS];
-};
-struct places {
-    whole_places whole;
-    int32_t row_fraction[TILE_PIXELS], col_fraction[TILE_PIXELS];
+// --- windows -------------------------------------------------------------------------------------------------------------
+
+// How many pixels of a tile are inside the image; when all are, their whole rows and columns, and the least and greatest of these.
+struct tile_survey {
+    alignas(VECTOR_BYTES) int32_t rows[TILE_PIXELS], cols[TILE_PIXELS];
+    int inside, top, left, bottom, right;
 };
 
 VECTOR_CLONES
-void truncate_places(whole_places *p, const double *rows, const double *cols, int count)
+void survey_tile(tile_survey *survey, const double *__restrict rows, const double *__restrict cols, int count, const bounds &b)
 {
+    const auto [low, row_high, col_high] = b;
+    int inside = 0, top = INT32_MAX, left = INT32_MAX, bottom = INT32_MIN, right = INT32_MIN;
     for (int i = 0; i < count; i++) {
-        p->row[i] = int32_t(rows[i]);
-        p->col[i] = int32_t(cols[i]);
+        const bool in = (rows[i] >= low) & (rows[i] < row_high) & (cols[i] >= low) & (cols[i] < col_high);
+        const double row = in ? rows[i] : 0.0, col = in ? cols[i] : 0.0;
+        const int32_t r = int32_t(row), c = int32_t(col);
+        survey->rows[i] = r;
+        survey->cols[i] = c;
+        inside += in;
+        top = std::min(top, r);
+        bottom = std::max(bottom, r);
+        left = std::min(left, c);
+        right = std::max(right, c);
     }
+    survey->inside = inside;
+    survey->top = top;
+    survey->left = left;
+    survey->bottom = bottom;
+    survey->right = right;
+}
+
+VECTOR_CLONES
+void place_pixels(int32_t *__restrict place, const int32_t *whole_rows, const int32_t *whole_cols, int count, int top, int left)
+{
+    for (int i = 0; i < count; i++)
+        place[i] = (whole_rows[i] - top) * WINDOW_SIDE + whole_cols[i] - left;
+}
+
+// The next window will lie as far from this one as this one from the last.
+void expect_next_window(const warp_source &in, const warp_window &w, int top, int left)
+{
+    const int next_top = std::clamp(2 * top - w.top, 0, std::max(in.rows - w.height, 0));
+    const int next_left = std::clamp(2 * left - w.left, 0, in.cols - WINDOW_SIDE), last = std::min(next_top + w.height, in.rows);
+    for (int r = next_top; r < last; r++) {
+        const uint8_t *const line = in.pixels + in.row_start[r] + next_left;
+        __builtin_prefetch(line);
+        __builtin_prefetch(line + WINDOW_SIDE - 1);
+    }
+}
+
+// Fetches the window of `count` pixels with so many rows and columns before and behind each. 0 when not all are so far inside the image,
+// or when they are too far apart.
+int fetch_window(warp_window *w, const warp_source &in, const tile_survey &s, int count, int before, int behind)
+{
+    const int reach = WINDOW_SIDE - before - behind;
+    if (s.inside < count || s.bottom - s.top >= reach || s.right - s.left >= reach || in.cols < WINDOW_SIDE)
+        return 0;
+    if (s.top < before || s.left < before || s.bottom >= in.rows - behind || s.right >= in.cols - behind)
+        return 0;
+    const int top = s.top - before, left = std::min(s.left - before, in.cols - WINDOW_SIDE);
+    w->height = s.bottom + behind - top + 1;
+    for (int r = 0; r < w->height; r++)
+        memcpy(w->pixels + r * WINDOW_SIDE, in.pixels + in.row_start[top + r] + left, WINDOW_SIDE);
+    place_pixels(w->place, s.rows, s.cols, count, top, left);
+    expect_next_window(in, *w, top, left);
+    w->top = top;
+    w->left = left;
+    return 1;
 }
 
 // A coordinate less its whole part is exact, so scaling before or after the subtraction truncates to the same.
 VECTOR_CLONES
-void split_places(places *p, const double *rows, const double *cols, int count, double scale)
+void find_fractions(int32_t *__restrict row_fractions, int32_t *__restrict col_fractions, const double *rows, const double *cols, int count,
+                    double scale)
 {
     for (int i = 0; i < count; i++) {
-        const int32_t r = int32_t(rows[i]), c = int32_t(cols[i]);
-        p->whole.row[i] = r;
-        p->whole.col[i] = c;
-        p->row_fraction[i] = int32_t((rows[i] - r) * scale);
-        p->col_fraction[i] = int32_t((cols[i] - c) * scale);
+        row_fractions[i] = int32_t((rows[i] - int32_t(rows[i])) * scale);
+        col_fractions[i] = int32_t((cols[i] - int32_t(cols[i])) * scale);
     }
 }
 
@@ -95,26 +137,12 @@ inline uint32_t two_bytes(const uint8_t *p)
     return p[0] | uint32_t{p[1]} << 8;
 }
 
-struct pairs {
-    uint32_t top[TILE_PIXELS], bottom[TILE_PIXELS];
-};
-
-void gather_pairs(const warp_source &in, pairs *p, const whole_places &at, int count)
-{
-    for (int i = 0; i < count; i++) {
-        const int r = at.row[i];
-        const uint8_t *const column = in.pixels + at.col[i];
-        p->top[i] = two_bytes(column + in.row_start[r]);
-        p->bottom[i] = two_bytes(column + in.row_start[r + 1]);
-    }
-}
-
 VECTOR_CLONES
-void mix_pairs(uint8_t *out, const pairs &p, const places &at, int count)
+void mix_pairs(uint8_t *__restrict out, const uint32_t *top, const uint32_t *bottom, const int32_t *row_fractions,
+               const int32_t *col_fractions, int count)
 {
     for (int i = 0; i < count; i++)
-        out[i] = bilinear(p.top[i] & 255, p.top[i] >> 8, p.bottom[i] & 255, p.bottom[i] >> 8, uint32_t(at.row_fraction[i]),
-                          uint32_t(at.col_fraction[i]));
+        out[i] = bilinear(top[i] & 255, top[i] >> 8, bottom[i] & 255, bottom[i] >> 8, uint32_t(row_fractions[i]), uint32_t(col_fractions[i]));
 }
 
 // --- cubic ---------------------------------------------------------------------------------------------------------------
@@ -144,27 +172,46 @@ uint8_t cubic_anywhere(const warp_source &in, double row, double col, const cubi
     return cubic_level(sum);
 }
 
-typedef uint8_t four_bytes __attribute__((vector_size(4)));
 typedef uint32_t four_words __attribute__((vector_size(16)));
+
+inline uint32_t sum_of(four_words v)
+{
+    constexpr four_words halves = { 2, 3, 0, 1 }, neighbours = { 1, 0, 3, 2 };
+    v += __builtin_shuffle(v, halves);
+    v += __builtin_shuffle(v, neighbours);
+    return v[0];
+}
 
 // The sums down the four columns come first, all four at once: as integers they give the same.
 VECTOR_CLONES
-void convolve_places(const warp_source &in, uint8_t *out, const places &at, int count, const cubic_table &table)
+void convolve_window(uint32_t *__restrict sums, const uint32_t *samples, const int32_t *place, const int32_t *row_fractions,
+                     const int32_t *col_fractions, int count, const cubic_table &table)
 {
     for (int i = 0; i < count; i++) {
-        const int64_t *const start = in.row_start + at.whole.row[i] - 1;
-        const uint8_t *const column = in.pixels + at.whole.col[i] - 1;
-        const int32_t *const row_weights = table.weights[at.row_fraction[i]];
-        four_words sum = {}, col_weights;
+        const uint32_t *const cell = samples + place[i] - WINDOW_SIDE - 1;
+        const int32_t *const row_weights = table.weights[row_fractions[i]];
+        four_words sum = {}, line, col_weights;
         for (int y = 0; y < 4; y++) {
-            four_bytes line;
-            memcpy(&line, column + start[y], sizeof line);
-            sum += __builtin_convertvector(line, four_words) * uint32_t(row_weights[y]);
+            memcpy(&line, cell + y * WINDOW_SIDE, sizeof line);
+            sum += line * uint32_t(row_weights[y]);
         }
-        memcpy(&col_weights, table.weights[at.col_fraction[i]], sizeof col_weights);
-        sum *= col_weights;
-        out[i] = cubic_level(sum[0] + sum[1] + sum[2] + sum[3]);
+        memcpy(&col_weights, table.weights[col_fractions[i]], sizeof col_weights);
+        sums[i] = sum_of(sum * col_weights);
     }
+}
+
+VECTOR_CLONES
+void widen(uint32_t *__restrict samples, const uint8_t *__restrict pixels, int count)
+{
+    for (int i = 0; i < count; i++)
+        samples[i] = pixels[i];
+}
+
+VECTOR_CLONES
+void level_sums(uint8_t *__restrict out, const uint32_t *__restrict sums, int count)
+{
+    for (int i = 0; i < count; i++)
+        out[i] = cubic_level(sums[i]);
 }
 
 } // namespace
@@ -180,53 +227,63 @@ void fill_cubic_table(cubic_table *table, const int32_t *w0, const int32_t *w1, 
     }
 }
 
-void sample_nearest(const warp_source &in, uint8_t *out, const double *rows, const double *cols, int count, double lowest)
+void sample_nearest(const warp_source &in, warp_window *w, uint8_t *out, const double *rows, const double *cols, int count, double lowest)
 {
-    const bounds image = { lowest, double(in.rows), double(in.cols) };
-    const int inside = count_inside(rows, cols, count, image);
-    if (inside < count) {
-        memset(out, 0, size_t(count));
-        for (int i = 0; inside && i < count; i++)
-            if (is_inside(rows[i], cols[i], image))
-                out[i] = in.pixels[in.row_start[int(rows[i])] + int(cols[i])];
+    const bounds image = bounds_of(in, lowest);
+    tile_survey survey;
+    survey_tile(&survey, rows, cols, count, image);
+    if (fetch_window(w, in, survey, count, 0, 0)) {
+#pragma GCC unroll 8
+        for (int i = 0; i < count; i++)
+            out[i] = w->pixels[w->place[i]];
         return;
     }
-    whole_places at;
-    truncate_places(&at, rows, cols, count);
-    for (int i = 0; i < count; i++)
-        out[i] = in.pixels[in.row_start[at.row[i]] + at.col[i]];
+    memset(out, 0, size_t(count));
+    for (int i = 0; survey.inside && i < count; i++)
+        if (is_inside(rows[i], cols[i], image))
+            out[i] = in.pixels[in.row_start[int(rows[i])] + int(cols[i])];
 }
 
-void sample_bilinear(const warp_source &in, uint8_t *out, const double *rows, const double *cols, int count)
+void sample_bilinear(const warp_source &in, warp_window *w, uint8_t *out, const double *rows, const double *cols, int count)
 {
-    if (count_inside(rows, cols, count, inside_by(in, 0, 1)) < count) {
-        const bounds image = inside_by(in, 0, 0);
-        const int inside = count_inside(rows, cols, count, image);
-        memset(out, 0, size_t(count));
-        for (int i = 0; inside && i < count; i++)
-            if (is_inside(rows[i], cols[i], image))
-                out[i] = bilinear_anywhere(in, rows[i], cols[i]);
+    const bounds image = bounds_of(in, FROM_ZERO);
+    tile_survey survey;
+    survey_tile(&survey, rows, cols, count, image);
+    if (fetch_window(w, in, survey, count, 0, 1)) {
+        alignas(VECTOR_BYTES) int32_t row_fractions[TILE_PIXELS], col_fractions[TILE_PIXELS];
+        alignas(VECTOR_BYTES) uint32_t top[TILE_PIXELS], bottom[TILE_PIXELS];
+        find_fractions(row_fractions, col_fractions, rows, cols, count, FRACTION_ONE);
+#pragma GCC unroll 4
+        for (int i = 0; i < count; i++) {
+            top[i] = two_bytes(w->pixels + w->place[i]);
+            bottom[i] = two_bytes(w->pixels + w->place[i] + WINDOW_SIDE);
+        }
+        mix_pairs(out, top, bottom, row_fractions, col_fractions, count);
         return;
     }
-    places at;
-    pairs p;
-    split_places(&at, rows, cols, count, FRACTION_ONE);
-    gather_pairs(in, &p, at.whole, count);
-    mix_pairs(out, p, at, count);
+    memset(out, 0, size_t(count));
+    for (int i = 0; survey.inside && i < count; i++)
+        if (is_inside(rows[i], cols[i], image))
+            out[i] = bilinear_anywhere(in, rows[i], cols[i]);
 }
 
-void sample_cubic(const warp_source &in, uint8_t *out, const double *rows, const double *cols, int count, const cubic_table &table)
+void sample_cubic(const warp_source &in, warp_window *w, uint8_t *out, const double *rows, const double *cols, int count,
+                  const cubic_table &table)
 {
-    if (count_inside(rows, cols, count, inside_by(in, 1, 2)) < count) {
-        const bounds image = inside_by(in, 0, 0);
-        const int inside = count_inside(rows, cols, count, image);
-        memset(out, 0, size_t(count));
-        for (int i = 0; inside && i < count; i++)
-            if (is_inside(rows[i], cols[i], image))
-                out[i] = cubic_anywhere(in, rows[i], cols[i], table);
+    const bounds image = bounds_of(in, FROM_ZERO);
+    tile_survey survey;
+    survey_tile(&survey, rows, cols, count, image);
+    if (fetch_window(w, in, survey, count, 1, 2)) {
+        alignas(VECTOR_BYTES) int32_t row_fractions[TILE_PIXELS], col_fractions[TILE_PIXELS];
+        alignas(VECTOR_BYTES) uint32_t samples[WINDOW_SIDE * WINDOW_SIDE], sums[TILE_PIXELS];
+        find_fractions(row_fractions, col_fractions, rows, cols, count, CUBIC_STEPS);
+        widen(samples, w->pixels, w->height * WINDOW_SIDE);
+        convolve_window(sums, samples, w->place, row_fractions, col_fractions, count, table);
+        level_sums(out, sums, count);
         return;
     }
-    places at;
-    split_places(&at, rows, cols, count, CUBIC_STEPS);
-    convolve_places(in, out, at, count, table);
+    memset(out, 0, size_t(count));
+    for (int i = 0; survey.inside && i < count; i++)
+        if (is_inside(rows[i], cols[i], image))
+            out[i] = cubic_anywhere(in, rows[i], cols[i], table);
 }

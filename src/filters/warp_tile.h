@@ -1,6 +1,6 @@
 // warp_tile.h - private to the warps: the samplers of a tile of output pixels, whatever their order.
-// Tiles are small, so that what a step leaves for the next stays close to the processor. Coordinates are as the samplers use them, that is
-// already less 0.5 for bilinear and cubic.
+// A tile whose pixels lie close together in the image is sampled from a copy of that window of the image, fetched row by row; so tiles
+// should be compact, and follow one another in even steps. Coordinates are as the samplers use them, already less 0.5 for bilinear and cubic.
 #pragma once
 #include <cfloat>
 #include <cstdint>
@@ -15,6 +15,16 @@ struct warp_source {
     const int64_t *row_start;
 };
 
+constexpr int WINDOW_SIDE = 64;
+constexpr int VECTOR_BYTES = 64;       // arrays that straddle this cost twice
+
+// A square of the image around a tile, and where in it each pixel of the tile has its own. It serves a run of tiles.
+struct warp_window {
+    alignas(VECTOR_BYTES) uint8_t pixels[WINDOW_SIDE * WINDOW_SIDE];
+    alignas(VECTOR_BYTES) int32_t place[TILE_PIXELS];
+    int top = 0, left = 0, height = 0;
+};
+
 // The four weights of a fraction side by side.
 struct cubic_table {
     int32_t weights[CUBIC_ENTRIES][4];
@@ -26,6 +36,7 @@ constexpr double FROM_ZERO = 0.0;
 constexpr double ABOVE_MINUS_ONE = -1.0 + DBL_EPSILON / 2;  // all that truncates to 0
 
 // `count` is at most TILE_PIXELS.
-void sample_nearest(const warp_source &in, uint8_t *out, const double *rows, const double *cols, int count, double lowest);
-void sample_bilinear(const warp_source &in, uint8_t *out, const double *rows, const double *cols, int count);
-void sample_cubic(const warp_source &in, uint8_t *out, const double *rows, const double *cols, int count, const cubic_table &table);
+void sample_nearest(const warp_source &in, warp_window *w, uint8_t *out, const double *rows, const double *cols, int count, double lowest);
+void sample_bilinear(const warp_source &in, warp_window *w, uint8_t *out, const double *rows, const double *cols, int count);
+void sample_cubic(const warp_source &in, warp_window *w, uint8_t *out, const double *rows, const double *cols, int count,
+                  const cubic_table &table);

@@ -5,5 +5,16 @@ kestrel_test(filters_control_points_test SOURCES
   LINKS kestrel_app)
 kestrel_test(filters_warp_commands_test SOURCES
   rotate_command_test.cpp
+  splice_command_test.cpp
+  splice_exits_test.cpp
   LINKS kestrel_app)
 add_dependencies(filters_warp_commands_test kestrel_data)
+kestrel_test(filters_warp_test SOURCES
+  warp_fit_test.cpp
+  warp_models_test.cpp
+  warp_resample_test.cpp
+  warp_test.cpp
+  LINKS kestrel_app)
+# Row messages come and go within a warp, and nothing asks for a stop: the test stands in between.
+target_link_options(filters_warp_test PRIVATE
+  LINKER:--wrap=_Z7msg_putiiPKc LINKER:--wrap=_Z9msg_cleari LINKER:--wrap=_Z11abort_checkv)

@@ -1,0 +1,15 @@
+# Warps against memcpy of the output, and against pixman and OpenCV where they are installed.
+kestrel_bench(bench_warp SOURCES bench_warp.cpp LINKS kestrel_app)
+if(PIXMAN_FOUND)
+  target_link_libraries(bench_warp PRIVATE PkgConfig::PIXMAN)
+  target_compile_definitions(bench_warp PRIVATE HAVE_PIXMAN)
+endif()
+# Debian's packages of single modules bring no package file.
+find_path(OPENCV_INCLUDE opencv2/imgproc.hpp PATH_SUFFIXES opencv4)
+find_library(OPENCV_CORE opencv_core)
+find_library(OPENCV_IMGPROC opencv_imgproc)
+if(OPENCV_INCLUDE AND OPENCV_CORE AND OPENCV_IMGPROC)
+  target_include_directories(bench_warp SYSTEM PRIVATE ${OPENCV_INCLUDE})
+  target_link_libraries(bench_warp PRIVATE ${OPENCV_IMGPROC} ${OPENCV_CORE})
+  target_compile_definitions(bench_warp PRIVATE HAVE_OPENCV)
+endif()
