@@ -23,6 +23,12 @@ static void slant_plain(uint8_t *out, int64_t out_stride, const slanted_walk &wa
     }
 }
 
+static void map_8_plain(uint8_t *out, const uint8_t *in, int count, const uint8_t *table)
+{
+    for (int i = 0; i < count; i++)
+        out[i] = table[in[i]];
+}
+
 static void map_grey_plain(uint32_t *out, const uint8_t *in, int count, const grey_tables &tables)
 {
     for (int i = 0; i < count; i++)
@@ -41,7 +47,7 @@ static void repeat_32_plain(uint32_t *out, const uint32_t *values, const int32_t
         out[i] = values[columns[i] - columns[0]];
 }
 
-const scan_kernel_set scan_kernels_plain { columns_plain, steps_plain, slant_plain, map_grey_plain, map_rgb_plain, repeat_32_plain };
+const scan_kernel_set scan_kernels_plain { columns_plain, steps_plain, slant_plain, map_8_plain, map_grey_plain, map_rgb_plain, repeat_32_plain };
 
 // --- the best that the processor has -----------------------------------------------------------------------
 
@@ -66,6 +72,11 @@ void sample_steps(uint8_t *out, const uint8_t *row, int step, int count, int64_t
 void sample_slant(uint8_t *out, int64_t out_stride, const slanted_walk &walk, const line_part *parts, int lines)
 {
     kernels().slant(out, out_stride, walk, parts, lines);
+}
+
+void map_8(uint8_t *out, const uint8_t *in, int count, const uint8_t table[256])
+{
+    kernels().map_8(out, in, count, table);
 }
 
 void map_grey(uint32_t *out, const uint8_t *in, int count, const grey_tables &tables)
@@ -104,12 +115,6 @@ void sample_bits_slant(uint8_t *out, int64_t out_stride, const slanted_walk &wal
         for (int i = parts[k].first; i <= parts[k].last; i++, u += walk.a, v += walk.c)
             out[i] = bit_of(walk.pixels + walk.row_offsets[v >> 16], u >> 16);
     }
-}
-
-void map_8(uint8_t *out, const uint8_t *in, int count, const uint8_t table[256])
-{
-    for (int i = 0; i < count; i++)
-        out[i] = table[in[i]];
 }
 
 void map_16(uint16_t *out, const uint8_t *in, int count, const uint16_t table[256])

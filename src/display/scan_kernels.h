@@ -68,6 +68,7 @@ struct scan_kernel_set {
     void (*columns)(uint8_t *, const uint8_t *, const int32_t *, int, int64_t);
     void (*steps)(uint8_t *, const uint8_t *, int, int, int64_t);
     void (*slant)(uint8_t *, int64_t, const slanted_walk &, const line_part *, int);
+    void (*map_8)(uint8_t *, const uint8_t *, int, const uint8_t *);
     void (*map_grey)(uint32_t *, const uint8_t *, int, const grey_tables &);
     void (*map_rgb)(uint32_t *, const uint8_t *, const uint8_t *, const uint8_t *, int, const colour_tables &);
     void (*repeat_32)(uint32_t *, const uint32_t *, const int32_t *, int);

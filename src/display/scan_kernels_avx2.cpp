@@ -161,7 +161,7 @@ AVX2 static void repeat_32_avx2(uint32_t *out, const uint32_t *values, const int
 
 const scan_kernel_set *scan_kernels_avx2()
 {
-    static const scan_kernel_set set { columns_avx2, steps_avx2, slant_avx2, map_grey_avx2, map_rgb_avx2, repeat_32_avx2 };
+    static const scan_kernel_set set { columns_avx2, steps_avx2, slant_avx2, scan_kernels_plain.map_8, map_grey_avx2, map_rgb_avx2, repeat_32_avx2 };
     return __builtin_cpu_supports("avx2") ? &set : nullptr;
 }
 

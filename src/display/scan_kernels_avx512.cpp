@@ -30,6 +30,15 @@ AVX512 static inline __m512i look_up(const byte_table &table, __m512i index)
     return _mm512_mask_blend_epi8(_mm512_movepi8_mask(index), low, high);
 }
 
+AVX512 static void map_8_avx512(uint8_t *out, const uint8_t *in, int count, const uint8_t table[256])
+{
+    const byte_table slots = load_table(table);
+    int i = 0;
+    for (; i + GROUP <= count; i += GROUP)
+        _mm512_storeu_si512(out + i, look_up(slots, load_64(in + i)));
+    scan_kernels_plain.map_8(out + i, in + i, count - i, table);
+}
+
 AVX512 static void map_grey_avx512(uint32_t *out, const uint8_t *in, int count, const grey_tables &tables)
 {
     static constexpr __mmask64 THREE_OF_FOUR = 0x7777777777777777;
@@ -284,6 +293,7 @@ const scan_kernel_set *scan_kernels_avx512()
             return nullptr;
         set = *avx2;
         set.slant = slant_avx512;
+        set.map_8 = map_8_avx512;
         set.map_grey = map_grey_avx512;
         set.map_rgb = map_rgb_avx512;
         return &set;

@@ -116,6 +116,10 @@ TEST_F(ScanKernelTwins, MapsOfEveryLength)
             scan_kernels_plain.map_rgb(plain.data(), red.data(), green.data(), blue.data(), count, colour);
             twin->map_rgb(fast.data(), red.data(), green.data(), blue.data(), count, colour);
             ASSERT_EQ(plain, fast) << count;
+            std::vector<uint8_t> plain_slots(281, 5), fast_slots(281, 5);
+            scan_kernels_plain.map_8(plain_slots.data(), red.data(), count, levels.data());
+            twin->map_8(fast_slots.data(), red.data(), count, levels.data());
+            ASSERT_EQ(plain_slots, fast_slots) << count;
         }
 }
 
