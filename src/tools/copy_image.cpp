@@ -93,6 +93,17 @@ bool is_whole(const copy_lines &lines, RFILE *in)
            && lines.y1 == key(in, RIO_KEY_HEIGHT) - 1;
 }
 
+bool is_jpeg(const copy_form &form)
+{
+    return form.format == RIO_FORMAT_NATV && (form.type == RIO_TYPE_JPEG || form.type == RIO_TYPE_JPEG_RGB);
+}
+
+// Without tiles a native JPEG image has sides of whole fours.
+bool fits_jpeg(const copy_plan &plan)
+{
+    return !is_jpeg(plan.form) || plan.tile_size > 0 || (copied_columns(plan.lines) % 4 == 0 && copied_rows(plan.lines) % 4 == 0);
+}
+
 bool holds_overviews(int format) { return format == RIO_FORMAT_NATV || format == RIO_FORMAT_TIFF; }
 
 bool same_class_in_overviews(RFILE *in, int count)
@@ -129,6 +140,8 @@ bool set_header(RFILE *out, const copy_plan &plan)
         good = set_key(out, KEY_TIFF_PHOTOMETRIC, TIFF_WHITE_IS_ZERO);
     if (good && plan.tile_size > 0)
         good = set_key(out, RIO_KEY_TILE_WIDTH, plan.tile_size);
+    if (good && plan.quality > 0 && is_jpeg(form))
+        good = set_key(out, RIO_KEY_JPEG_QUALITY, plan.quality);
     if (good && plan.table)
         good = set_key(out, RIO_KEY_VLT_TYPE, 2) && set_key(out, RIO_KEY_VLT_ENTRIES, RIO_VLT_SIZE)
                && rio_put_vlt(out, plan.colours) == 0;
@@ -247,6 +260,9 @@ int copy_begin(RFILE *in, const copy_wish &wish, copy_plan *plan, copy_failure *
     plan->lines.to = plan->form.samples;
     plan->orientation = key(in, RIO_KEY_ORIENTATION) & 7;
     plan->tile_size = settle_tiles(in, *plan);
+    plan->quality = wish.quality ? wish.quality : key(in, RIO_KEY_JPEG_QUALITY);
+    if (!fits_jpeg(*plan))
+        return fail(why, true, "JPEG without tiles needs a width and height of whole fours");
     settle_overviews(in, plan);
     return 1;
 }

@@ -7,13 +7,14 @@
 #include "tools/copy_form.h"
 #include "tools/copy_lines.h"
 
-enum { MOST_OVERVIEWS = 16, MOST_INCREMENT = 16384 };   // so that no step overflows
+enum { MOST_OVERVIEWS = 16, MOST_INCREMENT = 16384, MOST_QUALITY = 100 };   // no step overflows
 
 struct copy_wish {
     const char *compression = nullptr; // one of compression_words()
     int format = -1;                   // -1: that of the source
     int tile_size = -1, overviews = -1; // -1: as the source has them, where that makes sense
     int type = 0, increment = 1, image = 0;
+    int quality = 0;                   // of JPEG data; 0: that of the source, or the library's
     int area[4] = { 0, 0, INT_MAX, INT_MAX };   // x0, y0, x1, y1, inclusive; what lies outside is left out
 };
 
@@ -28,6 +29,7 @@ struct copy_plan {
     copy_lines lines;
     int orientation;
     int tile_size, overviews;
+    int quality;                       // 0: the library's
     bool carry_overviews;              // they are copied from the source's, not made anew
     bool table;                        // the colours go along
     rio_vlt_entry colours[RIO_VLT_SIZE];

@@ -22,6 +22,8 @@ const char *failure_text(uint32_t code)
         { RIO_NO_MEMORY, "out of memory" },
         { RIO_NO_IMAGE, "holds no such image" },
         { RIO_UNSUPPORTED, "format or feature is not supported" },
+        { RIO_JPEG_FAIL, "needs a JPEG driver, and there is none" },
+        { RIO_JPEG_HW2, "the JPEG driver refuses this image" },
         { RIO_PAST_END, "ends too early" },
     };
     for (const sentence &s : sentences)

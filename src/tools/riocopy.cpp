@@ -1,6 +1,7 @@
 // riocopy - converts raster files: any that can be read, to any format that can be written.
 // Exit status: 0 the file was written, 1 it could not be, 2 wrong usage. A file is written whole or not at all.
 #include "RIO/rio.h"
+#include "services/jpeg_driver.h"
 #include "tools/copy_image.h"
 #include "tools/refusals.h"
 #include "whole_file.h"
@@ -28,6 +29,8 @@ static const char usage[] =
     "  -a, --area X0,Y0,X1,Y1   only this rectangle of INPUT, both corners included\n"
     "  -i, --increment N        only every N-th pixel and line\n"
     "  -n, --image N            image N of INPUT, the first being 0\n"
+    "      --quality N          of JPEG data, 1 to 100: 1 the finest, 50 the usual tables, 100 the coarsest; without it\n"
+    "                           that of INPUT, or 15\n"
     "  -q, --quiet              no progress bar\n"
     "      --help               show this help and exit\n"
     "      --version            show the version and exit\n"
@@ -83,7 +86,7 @@ static void print_help()
     fputs("Exit status: 0 if OUTPUT was written, 1 if not, 2 on wrong usage. OUTPUT appears whole or not at all.\n", stdout);
 }
 
-enum { OPTION_HELP = 256, OPTION_VERSION };
+enum { OPTION_HELP = 256, OPTION_VERSION, OPTION_QUALITY };
 
 // One option. STATUS_OK, or STATUS_USAGE with words.
 static int take_option(int c, options *wanted)
@@ -99,6 +102,8 @@ static int take_option(int c, options *wanted)
     case 'i': good = take_number(optarg, 1, MOST_INCREMENT, &wanted->wish.increment); break;
     case 'n': good = take_number(optarg, 0, INT_MAX, &wanted->wish.image); break;
     case 'q': wanted->quiet = true; break;
+    case OPTION_QUALITY:
+        return take_number(optarg, 1, MOST_QUALITY, &wanted->wish.quality) ? int(STATUS_OK) : refuse_usage("wrong quality", optarg);
     default: return refuse_usage("wrong option", nullptr);
     }
     static const char *const what[][2] = {
@@ -239,6 +244,7 @@ int main(int argc, char **argv)
         { "compression", required_argument, nullptr, 'c' }, { "tile-size", required_argument, nullptr, 's' },
         { "overviews", required_argument, nullptr, 'o' }, { "area", required_argument, nullptr, 'a' },
         { "increment", required_argument, nullptr, 'i' }, { "image", required_argument, nullptr, 'n' },
+        { "quality", required_argument, nullptr, OPTION_QUALITY },
         { "quiet", no_argument, nullptr, 'q' },           { "help", no_argument, nullptr, OPTION_HELP },
         { "version", no_argument, nullptr, OPTION_VERSION }, { nullptr, 0, nullptr, 0 },
     };
@@ -261,5 +267,6 @@ int main(int argc, char **argv)
     wanted.output = argv[optind + 1];
     for (const int number : { SIGINT, SIGTERM, SIGHUP })
         signal(number, stop_by_signal);
+    rio_jpeg_driver = &jpeg_driver;
     return copy_file(&wanted);
 }

@@ -2,6 +2,7 @@
 // tiles, texts, packets. Exit status: 0 all files were shown, 1 one could not be opened, 2 wrong usage.
 #include "RIO/rio.h"
 #include "mem.h"
+#include "services/jpeg_driver.h"
 #include "tools/refusals.h"
 #include <cstdio>
 #include <cstring>
@@ -159,6 +160,8 @@ static void print_image(RFILE *file, const options &wanted)
     printf("  %-14s %d\n", "samples:", key(file, RIO_KEY_SAMPLES));
     printf("  %-14s %d\n", "bits:", key(file, RIO_KEY_BITS));
     printf("  %-14s %d (%s)\n", "data type:", type, type_name(type));
+    if (const int32_t quality = key(file, RIO_KEY_JPEG_QUALITY))
+        printf("  %-14s %d\n", "quality:", quality);
     printf("  %-14s %d (%s)\n", "orientation:", orientation, orientation_name(orientation));
     print_colours(file, wanted);
     if (tile_width)
@@ -241,6 +244,7 @@ int main(int argc, char **argv)
         fputs("rioinfo: no file given\nTry 'rioinfo --help' for more information.\n", stderr);
         return STATUS_USAGE;
     }
+    rio_jpeg_driver = &jpeg_driver;
     int status = STATUS_OK;
     for (int i = optind; i < argc; i++) {
         const int one = show_file(argv[i], wanted);

@@ -1,6 +1,7 @@
 // copy_any - riocopy's work over damaged files of any format, into every format and form.
 #include "RIO/rio.h"
 #include "fuzz/fuzz_reader.h"
+#include "services/jpeg_driver.h"
 #include "tools/copy_image.h"
 #include <cstdlib>
 #include <vector>
@@ -46,6 +47,7 @@ static void copy_once(RFILE *in, const copy_wish &wish)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
+    rio_jpeg_driver = &jpeg_driver;
     std::vector<uint8_t> bytes(data, data + size);
     rio_memory_file file = {};
     file.data = bytes.data();

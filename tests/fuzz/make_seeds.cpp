@@ -2,6 +2,7 @@
 //
 //   make_seeds DIRECTORY FORMAT
 #include "RIO/rio.h"
+#include "services/jpeg_driver.h"
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -29,11 +30,19 @@ static constexpr seed seeds[] = {
     { RIO_TYPE_BYTE, 0, 0, 0, 1 },      { RIO_TYPE_BITMAP_RLE, 0, 0, 0, 1 }, { RIO_TYPE_BYTE_RUN, 0, 0, 0, 1 },
     { RIO_TYPE_RGB_RLE, 0, 0, 0, 1 },   { RIO_TYPE_RGB_BYTE_RUN, 0, 32, 0, 1 }, { RIO_TYPE_PACKED_RLE, 0, 0, 0, 1 },
     { RIO_TYPE_BYTE, 0, 0, 0, 0, 2 },   { RIO_TYPE_BYTE_RUN, 0, 32, 2, 0, 2 }, { RIO_TYPE_RGB, 0, 0, 0, 0, 0, 3 },
+    { RIO_TYPE_JPEG, 0, 0, 0 },         { RIO_TYPE_JPEG, 0, 32, 0, 0, 1 }, { RIO_TYPE_JPEG_RGB, 0, 0, 0, 0, 0, 2 },
+    { RIO_TYPE_JPEG_RGB, 0, 32, 0 },
 };
 
 static int set_key(RFILE *file, int key, int32_t value) { return rio_set_hdr_data(file, key, &value); }
 
 enum { WIDTH = 37, HEIGHT = 35, PLANES = 4 };
+
+static bool is_jpeg(const seed &s) { return s.type == RIO_TYPE_JPEG || s.type == RIO_TYPE_JPEG_RGB; }
+
+// Without tiles JPEG has sides of whole fours.
+static int width_of(const seed &s) { return is_jpeg(s) && !s.tile ? WIDTH - WIDTH % 4 : int{ WIDTH }; }
+static int height_of(const seed &s) { return is_jpeg(s) && !s.tile ? HEIGHT - HEIGHT % 4 : int{ HEIGHT }; }
 
 // Odd lines, noise, runs and noise: the first samples are all there is of a bilevel line. 0; 1 when a line is refused.
 static int put_lines(RFILE *file, int samples, int height)
@@ -61,7 +70,7 @@ static int put_overview(RFILE *file, int samples, int n, int tile)
 // A picture of 37 x 35: two tiles each way.
 static int write_seed(const char *name, int format, const seed &s)
 {
-    if (format != RIO_FORMAT_NATV && (s.headed || s.overviews || s.images > 1))
+    if (format != RIO_FORMAT_NATV && (s.headed || s.overviews || s.images > 1 || is_jpeg(s)))
         return 0;
     RFILE *file = rio_open_w(name);
     if (!file)
@@ -69,8 +78,8 @@ static int write_seed(const char *name, int format, const seed &s)
     std::vector<rio_vlt_entry> colours;
     for (int i = 0; i < RIO_VLT_SIZE; i++)
         colours.push_back({ uint16_t(i), uint16_t(i << 8), uint16_t((255 - i) << 8), uint16_t(i * 77 << 8) });
-    int failed = set_key(file, RIO_KEY_FORMAT, format) || set_key(file, RIO_KEY_WIDTH, WIDTH)
-                 || set_key(file, RIO_KEY_HEIGHT, HEIGHT) || set_key(file, RIO_KEY_DATA_TYPE, s.type)
+    int failed = set_key(file, RIO_KEY_FORMAT, format) || set_key(file, RIO_KEY_WIDTH, width_of(s))
+                 || set_key(file, RIO_KEY_HEIGHT, height_of(s)) || set_key(file, RIO_KEY_DATA_TYPE, s.type)
                  || set_key(file, KEY_COMPRESSION, s.compression);
     if (!failed && s.tile)
         failed = set_key(file, RIO_KEY_TILE_WIDTH, s.tile);
@@ -83,11 +92,11 @@ static int write_seed(const char *name, int format, const seed &s)
         failed = set_key(file, RIO_KEY_OVERVIEW_COUNT, s.overviews);
     int32_t samples = 1;
     rio_get_hdr_data(file, RIO_KEY_SAMPLES, &samples);
-    failed = failed || put_lines(file, samples, HEIGHT);
+    failed = failed || put_lines(file, samples, height_of(s));
     for (int n = 0; !failed && n < s.overviews; n++)
         failed = put_overview(file, samples, n, s.tile);
     for (int n = 1; !failed && n < s.images; n++)
-        failed = rio_set_active_image(file, n) || put_lines(file, samples, HEIGHT);
+        failed = rio_set_active_image(file, n) || put_lines(file, samples, height_of(s));
     rio_close(file);
     return !failed;
 }
@@ -96,6 +105,7 @@ int main(int argc, char **argv)
 {
     if (argc != 3)
         return 2;
+    rio_jpeg_driver = &jpeg_driver;
     std::filesystem::create_directories(argv[1]);
     int made = 0;
     for (const seed &s : seeds) {

@@ -213,7 +213,20 @@ equal("nothing of it", [n for n in os.listdir(WORK) if n.startswith((".writing",
 HINT = "Try 'riocopy --help' for more information.\n"
 expect("no file", [], 2, "riocopy: an input and an output are needed\n" + HINT)
 expect("three files", ["a", "b", "c"], 2, "riocopy: too many files\n" + HINT)
-for option, value, words in (("-f", "jazz", "unknown format"), ("-t", "11", "unknown data type"), ("-c", "zip", "unknown compression"),
+# JPEG data: quality by option, that of the source, or 15; its sides.
+put("scene.ppm", b"P6\n40 24\n255\n" + bytes((3 * x + 2 * y + 20 * s) % 256 for y in range(24) for x in range(40) for s in range(3)))
+for name, options, told in (("plain.nat", [], 15), ("fine.nat", ["--quality", "1"], 1), ("tiled.nat", ["--quality", "100", "-s", "32"], 100)):
+    expect("JPEG " + name, ["-f", "native", "-t", "31", *options, path("scene.ppm"), path(name)], 0)
+    shown = subprocess.run([INFO, "-e", path(name)], stdout=subprocess.PIPE, timeout=60).stdout.decode()
+    equal("quality of " + name, "quality:       %d\n" % told in shown, True)
+expect("quality goes along", [path("fine.nat"), path("again.nat")], 0)
+equal("quality of the copy", "quality:       1\n" in subprocess.run([INFO, path("again.nat")], stdout=subprocess.PIPE, timeout=60).stdout.decode(), True)
+equal("a fine copy is near", max(abs(a - b) for a, b in zip(content("scene.ppm")[-2880:], copy(["-f", "pnm", path("fine.nat"), "-"]).stdout[-2880:])) < 8, True)
+expect("JPEG of an odd size", ["-f", "native", "-t", "30", "-a", "0,0,36,23", path("scene.ppm"), path("odd.nat")], 1,
+       "riocopy: %s: JPEG without tiles needs a width and height of whole fours\n" % path("odd.nat"))
+expect("JPEG of an odd size in tiles", ["-f", "native", "-t", "30", "-s", "32", "-a", "0,0,36,22", path("scene.ppm"), path("odd.nat")], 0)
+expect("JPEG of four bands", ["-f", "native", "-t", "32", path("scene.ppm"), path("four.nat")], 1, None)
+for option, value, words in (("--quality", "101", "wrong quality"), ("--quality", "0", "wrong quality"), ("-f", "jazz", "unknown format"), ("-t", "11", "unknown data type"), ("-c", "zip", "unknown compression"),
                              ("-a", "5,5,1,1", "wrong area"), ("-a", "1,2,3", "wrong area"), ("-i", "0", "wrong increment"),
                              ("-n", "-1", "wrong image number"), ("-s", "many", "wrong tile size"),
                              ("-o", "99", "wrong count of overviews")):
