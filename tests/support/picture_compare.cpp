@@ -6,7 +6,7 @@
 #include <filesystem>
 
 static constexpr const char *usage =
-    "usage: picture-compare compare A.png B.png               says how many pixels differ and where the first is\n"
+    "usage: picture-compare compare A.png B.png               says how many pixels differ, and where\n"
     "       picture-compare difference A.png B.png OUT.png    also writes A dimmed, with what differs in red\n"
     "       picture-compare accept NEW.png GOLDEN.png         makes NEW the golden picture\n";
 
@@ -42,18 +42,22 @@ static int compare(const png_picture &a, const png_picture &b)
         std::printf("sizes differ: %d x %d, %d x %d\n", a.width, a.height, b.width, b.height);
         return DIFFERENT;
     }
-    size_t different = 0, first = 0;
-    for (size_t i = a.pixels.size(); i-- > 0;)
-        if (a.pixels[i] != b.pixels[i]) {
-            different++;
-            first = i;
-        }
+    size_t different = 0;
+    int x0 = a.width, y0 = a.height, x1 = -1, y1 = -1, x_first = 0;
+    for (int y = 0; y < a.height; y++)
+        for (int x = 0; x < a.width; x++)
+            if (a.at(x, y) != b.at(x, y)) {
+                if (different++ == 0)
+                    x_first = x;
+                x0 = std::min(x0, x), y0 = std::min(y0, y);
+                x1 = std::max(x1, x), y1 = std::max(y1, y);
+            }
     if (different == 0) {
         std::printf("the same, %d x %d\n", a.width, a.height);
         return SAME;
     }
-    std::printf("%zu of %zu pixels differ, the first at %zu, %zu: #%06x, #%06x\n", different, a.pixels.size(),
-                first % size_t(a.width), first / size_t(a.width), a.pixels[first] >> 8, b.pixels[first] >> 8);
+    std::printf("%zu of %zu pixels differ, within %d, %d to %d, %d, the first at %d, %d: #%06x, #%06x\n", different, a.pixels.size(), x0, y0, x1, y1,
+                x_first, y0, a.at(x_first, y0) >> 8, b.at(x_first, y0) >> 8);
     return DIFFERENT;
 }
 

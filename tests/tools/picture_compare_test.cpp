@@ -57,7 +57,7 @@ TEST_F(PictureCompare, EqualPicturesAreTheSame)
     EXPECT_EQ(result.said, "the same, 5 x 4\n");
 }
 
-TEST_F(PictureCompare, CountsDifferentPixelsAndNamesTheFirstInReadingOrder)
+TEST_F(PictureCompare, CountsDifferentPixelsAndNamesTheirRectangleAndTheFirstInReadingOrder)
 {
     png_picture changed = plain(5, 4, 0x102030ff);
     changed.pixels[1 * 5 + 3] = 0x102031ff;             // column 3, row 1
@@ -65,7 +65,7 @@ TEST_F(PictureCompare, CountsDifferentPixelsAndNamesTheFirstInReadingOrder)
     const std::string a = save("a.png", plain(5, 4, 0x102030ff)), b = save("b.png", changed);
     const outcome result = run("compare " + a + " " + b);
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.said, "2 of 20 pixels differ, the first at 3, 1: #102030, #102031\n");
+    EXPECT_EQ(result.said, "2 of 20 pixels differ, within 0, 1 to 3, 2, the first at 3, 1: #102030, #102031\n");
 }
 
 TEST_F(PictureCompare, PicturesOfTwoSizesDiffer)
