@@ -11,7 +11,7 @@
 #include <unistd.h>
 #include <vector>
 
-enum { STRIP_ROWS = 16, TILE = 256 };
+static constexpr int STRIP_ROWS = 16, TILE = 256;
 
 // The map's lines as bits.
 static const std::vector<uint16_t> &drawing()
@@ -151,7 +151,7 @@ static void write_packbits(const std::string &path, int kind)
     TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, int{ SIDE });
     TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
     TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
-    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, int{ STRIP_ROWS });
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, STRIP_ROWS);
     TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_PACKBITS);
     TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
     TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);

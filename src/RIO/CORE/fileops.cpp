@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <stdio_ext.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -53,7 +54,16 @@ static int64_t stream_write(const void *buffer, int64_t item, int64_t count, voi
 
 static int stream_getc(void *stream) { return std::fgetc((FILE *)stream); }
 static int stream_putc(int byte, void *stream) { return std::fputc(byte, (FILE *)stream); }
-static int stream_seek(void *stream, int64_t offset, int how) { return fseeko((FILE *)stream, offset, how); }
+
+// A seek sends the buffer out, so a stream that is only written is left alone where it stands already.
+static int stream_seek(void *stream, int64_t offset, int how)
+{
+    FILE *file = (FILE *)stream;
+    if (how == SEEK_SET && !__freadable(file) && ftello(file) == offset)
+        return 0;
+    return fseeko(file, offset, how);
+}
+
 static void stream_rewind(void *stream) { std::rewind((FILE *)stream); }
 static int64_t stream_tell(void *stream) { return ftello((FILE *)stream); }
 static int stream_flush(void *stream) { return std::fflush((FILE *)stream); }

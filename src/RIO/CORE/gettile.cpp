@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
+// Lines of tiles are gathered in what a cache holds.
+static constexpr int64_t MOST_GATHERED = int64_t{ 1 } << 18;
 // The largest plane of a tile that is taken for one.
 static constexpr int64_t MOST_TILE_BYTES = int64_t{ 1 } << 28;
 // A row of tiles takes no more memory than the first, or than so many times the file's size.
@@ -17,6 +19,7 @@ void rio_free_tiles(RFILE *file)
     for (uint8_t *strip : tiles->strip)
         mem_free(strip);
     mem_free(tiles->strip_cache);
+    mem_free(tiles->gathered);
     mem_free(tiles->directory);
     mem_free(tiles);
     file->tiles = nullptr;
@@ -108,10 +111,14 @@ static int live_height(const RFILE *file, int row)
     return int(std::min<int64_t>(file->tiles->tile_height, file->height - int64_t{ row } * file->tiles->tile_height));
 }
 
-static void copy_rows(uint8_t *out, int64_t out_apart, const uint8_t *in, int64_t in_apart, int64_t bytes, int rows, bool large)
+static void copy_rows(uint8_t *out, int64_t out_apart, const uint8_t *in, int64_t in_apart, int64_t bytes, int rows)
 {
-    for (int y = 0; y < rows; y++, out += out_apart, in += in_apart)
-        large ? rio_stream_piece(out, in, size_t(bytes)) : (void)std::memcpy(out, in, size_t(bytes));
+    for (int y = 0; y < rows; y++, out += out_apart, in += in_apart) {
+        // The rows that follow are asked for next, and memory is slow to begin with each tile anew.
+        for (int64_t x = 0; x < bytes; x += 64)
+            __builtin_prefetch(in + rows * in_apart + x);
+        std::memcpy(out, in, size_t(bytes));
+    }
 }
 
 // Where the tiles of a row of tiles lie in memory, from the first of them on; null when they do not, or not together.
@@ -130,25 +137,50 @@ static const uint8_t *look_at_tiles(RFILE *file, int row, int64_t *first)
     return rio_look(file, begin, end - begin);
 }
 
+// Lines in hand on their way to a large image, which takes them whole.
+static uint8_t *gathering_room(RFILE *file, int64_t bytes)
+{
+    rio_tiles *t = file->tiles;
+    if (t->gathered_room < bytes) {
+        mem_free(t->gathered);
+        t->gathered = (uint8_t *)mem_alloc(size_t(bytes));
+        t->gathered_room = t->gathered ? bytes : 0;
+    }
+    return t->gathered;
+}
+
+// `lines` lines from line `into` of the row of tiles on.
+static void gather(RFILE *file, int row, int into, int lines, const uint8_t *lie, int64_t first, uint8_t *out, int64_t row_bytes)
+{
+    for (int column = 0; column < file->tiles->tiles_across; column++) {
+        const lying_rows rows = rows_of_tile(file, int64_t{ row } * file->tiles->tiles_across + column);
+        copy_rows(out + column * rio_tile_row_bytes(file), row_bytes, lie + (rows.place - first) + into * rows.apart, rows.apart,
+                  rio_row_bytes(file, live_width(file, column)), lines);
+    }
+}
+
 int rio_gather_lines(RFILE *file, int count, uint8_t *out, int64_t row_bytes, bool large)
 {
     const rio_tiles *t = file->tiles;
-    if (!t || !lies_plain(file, 1) || row_bytes < rio_line_bytes(file))
+    const int64_t bytes = rio_line_bytes(file);
+    if (!t || !lies_plain(file, 1) || row_bytes < bytes)
         return 0;
     const int row = file->current_line / t->tile_height, into = file->current_line % t->tile_height;
-    const int lines = std::min(count, live_height(file, row) - into);
+    int lines = std::min(count, live_height(file, row) - into);
+    uint8_t *room = nullptr;
+    if (large && row_bytes == bytes && bytes <= MOST_GATHERED) {
+        lines = int(std::min<int64_t>(lines, MOST_GATHERED / bytes));
+        room = gathering_room(file, lines * bytes);
+    }
     int64_t first;
     const uint8_t *lie = look_at_tiles(file, row, &first);
     if (!lie)
         return 0;
-    for (int column = 0; column < t->tiles_across; column++) {
-        const lying_rows rows = rows_of_tile(file, int64_t{ row } * t->tiles_across + column);
-        copy_rows(out + column * rio_tile_row_bytes(file), row_bytes, lie + (rows.place - first) + into * rows.apart, rows.apart,
-                  rio_row_bytes(file, live_width(file, column)), lines, large);
-    }
-    rio_stream_end();
+    gather(file, row, into, lines, lie, first, room ? room : out, row_bytes);
     if (!rio_look_ended(file))
         return 0;
+    if (room)
+        rio_stream_copy(out, room, size_t(lines * bytes));
     file->current_line += lines;
     return lines;
 }
@@ -238,13 +270,13 @@ static int read_tile(RFILE *file, int count, tile_buffers *tile, int32_t *value)
 }
 
 // A tile from where it lies into its place in the picture. 0 when it does not lie so.
-static int place_lying(RFILE *file, int64_t tile, uint8_t *out, int64_t row_bytes, int64_t bytes, int height, bool large)
+static int place_lying(RFILE *file, int64_t tile, uint8_t *out, int64_t row_bytes, int64_t bytes, int height)
 {
     const lying_rows rows = rows_of_tile(file, tile);
     const uint8_t *in = rows.place < 0 ? nullptr : rio_look(file, rows.place, rows.apart * height);
     if (!in)
         return 0;
-    copy_rows(out, row_bytes, in, rows.apart, bytes, height, large);
+    copy_rows(out, row_bytes, in, rows.apart, bytes, height);
     return rio_look_ended(file);
 }
 
@@ -257,7 +289,7 @@ static int64_t tile_rect(RFILE *file, int count, void *const *buffers, int64_t r
     tile_buffers tile;
     if (!buffers_alloc(file, count, buffers, &tile))
         return 0;
-    const bool plain = lies_plain(file, count) && buffers[0], large = tiles_high > 1 && rio_is_large(file);
+    const bool plain = lies_plain(file, count) && buffers[0];
     const rio_tiles *t = file->tiles;
     const int first_column = file->current_line % t->tiles_across;
     const int first_row = file->current_line / t->tiles_across;
@@ -271,7 +303,7 @@ static int64_t tile_rect(RFILE *file, int count, void *const *buffers, int64_t r
             const int64_t into = column * tile.row_bytes, at = int64_t{ row } * t->tile_height * row_bytes + into;
             const int64_t bytes = std::min(rio_row_bytes(file, width) * pixel_step(file), row_bytes - into);
             file->current_line = (first_row + row) * t->tiles_across + first_column + column;
-            if (bytes > 0 && plain && place_lying(file, file->current_line, (uint8_t *)buffers[0] + at, row_bytes, bytes, height, large)) {
+            if (bytes > 0 && plain && place_lying(file, file->current_line, (uint8_t *)buffers[0] + at, row_bytes, bytes, height)) {
                 pixels += width * height;
                 continue;
             }
@@ -284,7 +316,6 @@ static int64_t tile_rect(RFILE *file, int count, void *const *buffers, int64_t r
             pixels += width * height;
         }
     }
-    rio_stream_end();
     return pixels;
 }
 

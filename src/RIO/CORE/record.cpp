@@ -27,6 +27,7 @@ void rio_free_record(RFILE *file)
     if (file->tile_buffer_owned)
         mem_free(file->tile_buffer);
     mem_free(file->line_offsets);
+    mem_free(file->write_buffer);
     rio_free_squetch(file);
     rio_free_tiles(file);
     if (file->ccitt && file->ccitt_free)

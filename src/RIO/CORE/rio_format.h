@@ -130,6 +130,8 @@ struct rio_tiles {
     uint8_t *strip_cache;       // read side: a row of tiles, all planes
     int64_t strip_bytes;        // of one plane of strip_cache
     int32_t strip_planes;
+    uint8_t *gathered;          // read side: lines put together from tiles
+    int64_t gathered_room;
     void *directory;            // format's tile directory, freed with the record
 };
 
@@ -229,6 +231,7 @@ struct RFILE {
     rio_mapping *mapping = nullptr;         // owned
     rio_ops ops;
     rio_file_ops io = rio_handle_ops;
+    void *write_buffer = nullptr;           // owned; of a stream that is only written
     bool spooled = false;                   // standard output: `stream` is a temporary file, sent on at close
     int32_t strip_lines = -1;               // bilevel codec: lines a strip
     void (*ccitt_free)(RFILE *file) = nullptr;  // set by whoever allocates ccitt

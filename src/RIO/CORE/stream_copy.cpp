@@ -29,19 +29,17 @@ size_t head_bytes(const uint8_t *out, size_t bytes)
     return head < bytes ? head : bytes;
 }
 
-} // namespace
-
-void rio_stream_piece(void *out, const void *in, size_t bytes)
+// One strand.
+void copy_along(uint8_t *to, const uint8_t *from, size_t bytes)
 {
-    uint8_t *to = (uint8_t *)out;
-    const uint8_t *from = (const uint8_t *)in;
-    const size_t head = head_bytes(to, bytes);
-    std::memcpy(to, from, head);
-    size_t at = head;
+    size_t at = head_bytes(to, bytes);
+    std::memcpy(to, from, at);
     for (; at + LINE <= bytes; at += LINE)
         stream_line(to + at, from + at);
     std::memcpy(to + at, from + at, bytes - at);
 }
+
+} // namespace
 
 // Four strands side by side: memory answers several rows of its cells at once faster than one after another.
 void rio_stream_copy(void *out, const void *in, size_t bytes)
@@ -58,19 +56,12 @@ void rio_stream_copy(void *out, const void *in, size_t bytes)
                 stream_line(to + at + s * strand, from + at + s * strand);
         done = head + STRANDS * strand;
     }
-    rio_stream_piece(to + done, from + done, bytes - done);
-    rio_stream_end();
-}
-
-void rio_stream_end()
-{
-    _mm_sfence();
+    copy_along(to + done, from + done, bytes - done);
+    _mm_sfence();       // other threads may look from here on
 }
 
 #else
 
-void rio_stream_piece(void *out, const void *in, size_t bytes) { std::memcpy(out, in, bytes); }
 void rio_stream_copy(void *out, const void *in, size_t bytes) { std::memcpy(out, in, bytes); }
-void rio_stream_end() {}
 
 #endif
