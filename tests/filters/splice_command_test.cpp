@@ -4,12 +4,28 @@
 #include "display/vlt.h"
 #include "filters/warp.h"
 #include "filters/warp_fit.h"
+#include "store/load.h"
 
 namespace {
 
 int at(const plane &image, int cols, int row, int col)
 {
     return image[size_t(row * cols + col)];
+}
+
+// A picture that holds every second pixel and line of a file of 160 by 120.
+int open_subsampled(const std::string &path)
+{
+    FILE *stream = fopen(path.c_str(), "wb");
+    fprintf(stream, "P5\n160 120\n255\n");
+    const plane levels = random_plane(120, 160, 4);
+    fwrite(levels.data(), 1, levels.size(), stream);
+    fclose(stream);
+    int band = -1;
+    display_mode &= ~uint32_t{COLOR};
+    EXPECT_EQ(load_gray(2, path.c_str(), SOURCE_GRAY, WHOLE_FILE, 1, &band), 1);
+    EXPECT_EQ(bands[band].x_size, 80);
+    return active_window;
 }
 
 } // namespace
@@ -537,6 +553,46 @@ TEST_F(Splice, CollinearPointsMayNotBeFitted)
     EXPECT_FALSE(seen_reports.empty());
     expect_plain_titles();
     expect_fields_but_status_clear();
+    expect_two_windows();
+}
+
+TEST_F(Splice, TheDetailOfASubsampledImageGivesPointsBetweenItsPixels)
+{
+    const std::string path = testing::TempDir() + "splice_in.pgm";
+    in = open_subsampled(path);
+    r = g = b = out_band = random_band(ROWS, COLS, 2, "out.pgm");
+    opened(show_grey(out_band));
+    out = w;
+    testing::internal::CaptureStdout();
+    story first = pair(10, 20, 5, 5);
+    first[1].act = [] { click_detail(true, 21, 41); };   // file pixels: the held 10.5, 20.5
+    story others = pair(10, 50, 5, 40) + pair(50, 20, 45, 5);
+    others[1].act = [] { click_detail(true, 20, 101); };
+    others[5].act = [] { click_detail(true, 101, 40); };
+    EXPECT_EQ(play(windows_chosen() + area_drawn() + first + others + no_more_points() + reviewed("q")), 0);
+    const std::string text = testing::internal::GetCapturedStdout();
+    EXPECT_NE(text.find("               0:       10.50       20.50\n               1:       10.00       50.50\n               2:       50.50       20.00\n"),
+              std::string::npos) << text;
+    remove(path.c_str());
+}
+
+TEST_F(Splice, ADetailThatCannotBeReadEndsTheCommand)
+{
+    const std::string path = testing::TempDir() + "splice_gone.pgm";
+    in = open_subsampled(path);
+    r = g = b = out_band = random_band(ROWS, COLS, 2, "out.pgm");
+    opened(show_grey(out_band));
+    out = w;
+    story first = pair(10, 20, 5, 5);
+    first.resize(1);
+    first[0].act = [this, path] {
+        remove(path.c_str());
+        click_held(in, 10, 20);
+    };
+    EXPECT_EQ(play(windows_chosen() + area_drawn() + first), -1);
+    EXPECT_STREQ(msg_text(MSG_STATUS), "couldn't create src detail window\n");
+    expect_fields_but_status_clear();
+    expect_titles("splice_gone.pgm", "ACTIVE out.pgm");
     expect_two_windows();
 }
 
