@@ -96,9 +96,18 @@ int apply_lut(const uint8_t *src, uint8_t *dst, const int16_t *map, size_t count
     return 1;
 }
 
+// Several pages at a time, line after line: one stream of memory alone is slower.
+constexpr size_t LINE = 64, PAGE = 4096, PAGES = 8;
+
 VECTOR_CLONES
 void invert_pixels(const uint8_t *src, uint8_t *dst, size_t count)
 {
-    for (size_t i = 0; i < count; i++)
+    size_t i = 0;
+    for (; i + PAGES * PAGE <= count; i += PAGES * PAGE)
+        for (size_t line = i; line < i + PAGE; line += LINE)
+            for (size_t at = line; at < i + PAGES * PAGE; at += PAGE)
+                for (size_t k = at; k < at + LINE; k++)
+                    dst[k] = uint8_t(~src[k]);
+    for (; i < count; i++)
         dst[i] = uint8_t(~src[i]);
 }

@@ -5,12 +5,14 @@
 
 #include "filters/long_pass.h"
 #include "filters/row_output.h"
+#include "filters/transpose_strip.h"
 #include "mem.h"
 #include "services/ws.h"
 
 namespace {
 
 constexpr int ROWS_A_MESSAGE = 100;
+constexpr int LINE = OUTPUT_LINE;
 
 int stopped(int row, int rows)
 {
@@ -20,33 +22,57 @@ int stopped(int row, int rows)
     return abort_check();
 }
 
-void mirror_row(const uint8_t *__restrict src, uint8_t *__restrict dst, int cols)
+// --- flip and mirror: in blocks, so that several streams of memory are under way -------------------------------------
+
+constexpr int BLOCK_ROWS = 8, BLOCK_COLS = 256;
+
+struct plane_pair {
+    const uint8_t *src;
+    uint8_t *dst;
+    int rows, cols;
+    int64_t bytes() const { return int64_t{rows} * cols; }
+};
+
+// Columns c0 to c1 - 1 of row r of the destination.
+typedef void (*part_mover)(const plane_pair &p, int r, int c0, int c1);
+
+void flip_part(const plane_pair &p, int r, int c0, int c1)
 {
-    for (int c = 0; c < cols; c++)
-        dst[c] = src[cols - 1 - c];
+    const uint8_t *const row = p.src + int64_t{p.rows - 1 - r} * p.cols;
+    put_row(p.dst + int64_t{r} * p.cols + c0, row + c0, size_t(c1 - c0), p.bytes(), BLOCK_COLS);
 }
 
-__attribute__((target("ssse3")))
-void mirror_row_fast(const uint8_t *src, uint8_t *dst, int cols)
+void mirror_part(const plane_pair &p, int r, int c0, int c1)
 {
-    typedef char bytes16 __attribute__((vector_size(16)));
-    constexpr bytes16 backward = { 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0 };
-    int c = 0;
-    for (; c + 16 <= cols; c += 16) {
-        bytes16 v;
-        memcpy(&v, src + cols - 16 - c, sizeof v);
-        v = __builtin_shuffle(v, backward);
-        memcpy(dst + c, &v, sizeof v);
+    const uint8_t *const row = p.src + int64_t{r} * p.cols;
+    put_row_backwards(p.dst + int64_t{r} * p.cols + c0, row + p.cols - c1, size_t(c1 - c0), p.bytes(), BLOCK_COLS);
+}
+
+// Inner borders of blocks lie between lines of the destination.
+int move_rows(const plane_pair &p, part_mover move)
+{
+    for (int r0 = 0; r0 < p.rows; r0 += BLOCK_ROWS) {
+        const int r1 = std::min(r0 + BLOCK_ROWS, p.rows);
+        for (int r = r0; r < r1; r++)
+            if (stopped(r, p.rows))
+                return PASS_STOPPED;
+        for (int c0 = 0; c0 < p.cols; c0 += BLOCK_COLS)
+            for (int r = r0; r < r1; r++) {
+                const uint8_t *const row = p.dst + int64_t{r} * p.cols;
+                const int from = c0 == 0 ? 0 : c0 - into_line(row + c0), c1 = c0 + BLOCK_COLS;
+                move(p, r, from, c1 >= p.cols ? p.cols : c1 - into_line(row + c1));
+            }
     }
-    for (; c < cols; c++)
-        dst[c] = src[cols - 1 - c];
+    put_rows_done();
+    msg_clear(MSG_KEYIN);
+    return 0;
 }
 
 // --- transposing -------------------------------------------------------------------------------------------------------
 
 constexpr int64_t WHOLE_MAX = 0x100000;
 constexpr int TILE = 1024;
-constexpr int SQUARE = 16, LINE = 64;  // bytes that are turned at once, and that memory moves at once
+constexpr int SQUARE = 16;            // bytes that are turned at once
 
 typedef uint8_t lanes __attribute__((vector_size(SQUARE)));
 
@@ -79,13 +105,19 @@ void transpose_plainly(const uint8_t *src, int64_t src_stride, uint8_t *dst, int
             dst[c * dst_stride + r] = src[r * src_stride + c];
 }
 
+int aborted()
+{
+    if (!abort_check())
+        return 0;
+    report(REPORT_WARNING, "Program aborted\n");
+    return 1;
+}
+
 int transpose_whole(const uint8_t *src, uint8_t *dst, int rows, int cols)
 {
     for (int r = 0; r < rows; r += ROWS_A_MESSAGE) {
-        if (abort_check()) {
-            report(REPORT_WARNING, "Program aborted\n");
+        if (aborted())
             return -4;
-        }
         transpose_block(src + int64_t{r} * cols, cols, dst + r, rows, std::min(ROWS_A_MESSAGE, rows - r), cols);
     }
     return 0;
@@ -103,16 +135,36 @@ bool crowds_cache(int row_bytes)
     return row_bytes % TILE == 0;
 }
 
+// Where all rows of dst lie alike in their lines: strips of whole lines, and what is left at the sides.
+int transpose_in_strips(strip_transposer transpose_strip, const uint8_t *src, uint8_t *dst, int rows, int cols)
+{
+    const int strip_cols = cols & -STRIP_COLS;
+    const auto block = [&](int from, int to, int c) {
+        transpose_block(src + int64_t{from} * cols + c, cols, dst + int64_t{c} * rows + from, rows, to - from, cols - c);
+    };
+    int top = -into_line(dst) & (LINE - 1), shown = 0;
+    block(0, top, 0);
+    for (; top + STRIP_ROWS <= rows; top += STRIP_ROWS) {
+        for (; shown <= top; shown += TILE)
+            show_row(shown, rows);
+        if (aborted())
+            return -4;
+        transpose_strip(src + int64_t{top} * cols, cols, dst + top, rows, strip_cols);
+        block(top, top + STRIP_ROWS, strip_cols);
+    }
+    block(top, rows, 0);
+    put_rows_done();
+    return 0;
+}
+
 // A row block of tiles. Where rows crowd the cache each tile is gathered, transposed close to the processor and put down in whole rows.
 int transpose_row_block(const uint8_t *src, uint8_t *dst, int rows, int cols, int r, uint8_t *gathered, uint8_t *turned)
 {
     const int tile_rows = std::min(TILE, rows - r);
     for (int c = 0; c < cols; c += TILE) {
         const int tile_cols = std::min(TILE, cols - c);
-        if (abort_check()) {
-            report(REPORT_WARNING, "Program aborted\n");
+        if (aborted())
             return -4;
-        }
         const uint8_t *const from = src + int64_t{r} * cols + c;
         uint8_t *const to = dst + int64_t{c} * rows + r;
         if (crowds_cache(rows) || crowds_cache(cols)) {
@@ -125,31 +177,26 @@ int transpose_row_block(const uint8_t *src, uint8_t *dst, int rows, int cols, in
     return 0;
 }
 
+int transpose_in_tiles(const uint8_t *src, uint8_t *dst, int rows, int cols, uint8_t *gathered, uint8_t *turned)
+{
+    for (int r = 0; r < rows; r += TILE) {
+        show_row(r, rows);
+        if (const int result = transpose_row_block(src, dst, rows, cols, r, gathered, turned); result < 0)
+            return result;
+    }
+    return 0;
+}
+
 } // namespace
 
 int flip_band(const uint8_t *src, uint8_t *dst, int rows, int cols)
 {
-    const size_t width = size_t(cols);
-    for (int r = 0; r < rows; r++) {
-        if (stopped(r, rows))
-            return PASS_STOPPED;
-        put_row(dst + size_t(r) * width, src + size_t(rows - 1 - r) * width, width, int64_t{rows} * cols);
-    }
-    put_rows_done();
-    msg_clear(MSG_KEYIN);
-    return 0;
+    return move_rows({ src, dst, rows, cols }, flip_part);
 }
 
 int mirror_band(const uint8_t *src, uint8_t *dst, int rows, int cols)
 {
-    const auto reverse = __builtin_cpu_supports("ssse3") ? mirror_row_fast : mirror_row;
-    for (int r = 0; r < rows; r++) {
-        if (stopped(r, rows))
-            return PASS_STOPPED;
-        reverse(src + int64_t{r} * cols, dst + int64_t{r} * cols, cols);
-    }
-    msg_clear(MSG_KEYIN);
-    return 0;
+    return move_rows({ src, dst, rows, cols }, mirror_part);
 }
 
 void transpose_block(const uint8_t *src, int64_t src_stride, uint8_t *dst, int64_t dst_stride, int rows, int cols)
@@ -174,11 +221,13 @@ int transpose_band(const uint8_t *src, uint8_t *dst, int rows, int cols)
     const mem_ptr<uint8_t> turned((uint8_t *)mem_alloc(TILE * TILE));
     if (!turned)
         return -2;
-    for (int r = 0; r < rows; r += TILE) {
-        show_row(r, rows);
-        if (const int result = transpose_row_block(src, dst, rows, cols, r, gathered.get(), turned.get()); result < 0)
-            return result;
-    }
+    int result = 0;
+    if (const strip_transposer by_strips = rows % LINE == 0 ? transpose_strip_way() : nullptr)
+        result = transpose_in_strips(by_strips, src, dst, rows, cols);
+    else
+        result = transpose_in_tiles(src, dst, rows, cols, gathered.get(), turned.get());
+    if (result < 0)
+        return result;
     msg_clear(MSG_KEYIN);
     return 0;
 }

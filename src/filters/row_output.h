@@ -11,6 +11,8 @@ inline int into_line(const uint8_t *at)
     return int(uintptr_t(at) % OUTPUT_LINE);
 }
 
-// memcpy of a row of a plane of `plane_bytes`.
-void put_row(uint8_t *dst, const uint8_t *row, size_t count, int64_t plane_bytes);
+// memcpy of a row of a plane of `plane_bytes`. Of rows that come from memory, those bytes are fetched meanwhile that lie `ahead`.
+void put_row(uint8_t *dst, const uint8_t *row, size_t count, int64_t plane_bytes, int64_t ahead = 0);
+// The same with the bytes of the row in the opposite order, and `ahead` before them.
+void put_row_backwards(uint8_t *dst, const uint8_t *row, size_t count, int64_t plane_bytes, int64_t ahead = 0);
 void put_rows_done();                  // before anybody else reads them

@@ -44,6 +44,30 @@ TEST(Orthogonal, LargePlanesAreTransposedInTiles)
     expect_transposed(1024, 1024);             // the largest in one pass
 }
 
+TEST(Orthogonal, WholeLinesOfMemoryAreTransposedAsStrips)
+{
+    expect_transposed(1088, 1500);             // 17 strips, the last columns apart
+    expect_transposed(64, 20003);
+    expect_transposed(4096, 1024);
+    expect_transposed(70016, 17);
+}
+
+TEST(Orthogonal, LargePlanesAreFlippedAndMirrored)
+{
+    // Rows begin at every place of a memory line in turn.
+    const int rows = 2050, cols = 2099;
+    const plane in = random_plane(rows, cols, 8);
+    plane flipped(in.size(), UNWRITTEN), mirrored(in.size(), UNWRITTEN), want(in.size());
+    for (int r = 0; r < rows; r++)
+        std::copy_n(in.begin() + (rows - 1 - r) * cols, cols, want.begin() + r * cols);
+    ASSERT_EQ(flip_band(in.data(), flipped.data(), rows, cols), 0);
+    EXPECT_TRUE(flipped == want);
+    for (int r = 0; r < rows; r++)
+        std::reverse_copy(in.begin() + r * cols, in.begin() + (r + 1) * cols, want.begin() + r * cols);
+    ASSERT_EQ(mirror_band(in.data(), mirrored.data(), rows, cols), 0);
+    EXPECT_TRUE(mirrored == want);
+}
+
 TEST(Orthogonal, TilesNeedTwoBlocksOfMemory)
 {
     const plane in = random_plane(1025, 1024, 1);
