@@ -1,9 +1,11 @@
 // bench_native - native files of 8000 x 8000 pixels by lines, in the page cache: every coding read and written, plain and
 // tiled, beside memcpy of the decoded bytes, fread of the file, and libtiff's PackBits of the same picture.
 #include "RIO/rio.h"
+#include "mem.h"
 #include "pictures.h"
 #include <benchmark/benchmark.h>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -70,19 +72,34 @@ static std::string file_of(int type, int kind, int tile)
     return path;
 }
 
+// Warm memory for an image of three planes, as bands get it.
+static uint8_t *image_memory()
+{
+    static uint8_t *held;
+    if (!held) {
+        held = (uint8_t *)mem_alloc(size_t{ SIDE } * SIDE * 3);
+        if (!held)
+            std::exit(1);
+        std::memset(held, 1, size_t{ SIDE } * SIDE * 3);
+    }
+    return held;
+}
+
 // ---- the library -------------------------------------------------------------------------------------------------------
 
 static void read_lines(benchmark::State &state)
 {
     const int type = int(state.range(0));
     const std::string path = file_of(type, int(state.range(1)), int(state.range(2)));
-    bytes image(size_t(decoded_bytes(type)));
+    uint8_t *const image = image_memory();
     const size_t row = size_t(decoded_bytes(type) / SIDE / (is_colour(type) ? 3 : 1));
     for (auto _ : state) {
         RFILE *file = rio_open_r(path.c_str());
-        for (size_t y = 0; y < SIDE; y++) {
-            uint8_t *at = &image[y * row * (is_colour(type) ? 3 : 1)];
-            if (is_colour(type) ? rio_getline_rgb(file, at, at + row, at + 2 * row) : rio_getline(file, at))
+        if (!is_colour(type) && rio_getlines(file, SIDE, image, int64_t(row)) != SIDE)
+            state.SkipWithError("a line cannot be read");
+        for (size_t y = 0; is_colour(type) && y < SIDE; y++) {
+            uint8_t *at = image + y * row;
+            if (rio_getline_rgb(file, at, at + size_t{ SIDE } * SIDE, at + size_t{ SIDE } * SIDE * 2))
                 state.SkipWithError("a line cannot be read");
         }
         rio_close(file);
@@ -121,11 +138,11 @@ static void read_file(benchmark::State &state)
 {
     const int type = int(state.range(0));
     const std::string path = file_of(type, MAP, 0);
-    bytes image(size_t(decoded_bytes(type)));
+    uint8_t *const image = image_memory();
     for (auto _ : state) {
         FILE *file = std::fopen(path.c_str(), "rb");
         std::fseek(file, 1024, SEEK_SET);
-        benchmark::DoNotOptimize(std::fread(image.data(), 1, image.size(), file));
+        benchmark::DoNotOptimize(std::fread(image, 1, size_t(decoded_bytes(type)), file));
         std::fclose(file);
     }
     state.SetBytesProcessed(state.iterations() * decoded_bytes(type));
@@ -135,9 +152,9 @@ BENCHMARK(read_file)->Arg(RIO_TYPE_BYTE)->Arg(RIO_TYPE_RGB)->Unit(benchmark::kMi
 static void copy_memory(benchmark::State &state)
 {
     const bytes from(size_t(state.range(0)), 1);
-    bytes to(size_t(state.range(0)), 2);
+    uint8_t *const to = image_memory();
     for (auto _ : state) {
-        std::memcpy(to.data(), from.data(), from.size());
+        std::memcpy(to, from.data(), from.size());
         benchmark::ClobberMemory();
     }
     state.SetBytesProcessed(state.iterations() * state.range(0));
@@ -168,11 +185,11 @@ static void libtiff_packbits(benchmark::State &state)
     const std::string path = place_of("packbits_" + std::to_string(state.range(0)));
     if (!std::filesystem::exists(path))
         write_packbits(path, int(state.range(0)));
-    bytes image(size_t{ SIDE } * SIDE);
+    uint8_t *const image = image_memory();
     for (auto _ : state) {
         TIFF *tiff = TIFFOpen(path.c_str(), "r");
         for (uint32_t strip = 0; strip < SIDE / STRIP_ROWS; strip++)
-            TIFFReadEncodedStrip(tiff, strip, &image[size_t{ strip } * STRIP_ROWS * SIDE], STRIP_ROWS * SIDE);
+            TIFFReadEncodedStrip(tiff, strip, image + size_t{ strip } * STRIP_ROWS * SIDE, STRIP_ROWS * SIDE);
         TIFFClose(tiff);
         benchmark::ClobberMemory();
     }

@@ -249,6 +249,8 @@ static RFILE *open_ours(const memory_tiff &m, rio_memory_file *record)
 
 // Addresses that agree in their low bits but for a few make copies slow, for whoever does them.
 enum { APART = 2048 };
+// As the workstation reads them, to show its progress.
+enum { LINES_A_CALL = 10 };
 
 static void plain_strips_ours(benchmark::State &state)
 {
@@ -257,8 +259,8 @@ static void plain_strips_ours(benchmark::State &state)
     for (auto _ : state) {
         rio_memory_file record;
         RFILE *file = open_ours(plain_file(STRIPS_FILE), &record);
-        for (size_t y = 0; y < SIDE; y++)
-            rio_getline(file, &out[y * SIDE]);
+        for (size_t y = 0; y < SIDE; y += LINES_A_CALL)
+            rio_getlines(file, LINES_A_CALL, &out[y * SIDE], SIDE);
         rio_close(file);
     }
     count_bytes(state);
@@ -318,8 +320,8 @@ static void plain_tile_lines_ours(benchmark::State &state)
     for (auto _ : state) {
         rio_memory_file record;
         RFILE *file = open_ours(plain_file(TILES_FILE), &record);
-        for (size_t y = 0; y < SIDE; y++)
-            rio_getline(file, &out[y * SIDE]);
+        for (size_t y = 0; y < SIDE; y += LINES_A_CALL)
+            rio_getlines(file, LINES_A_CALL, &out[y * SIDE], SIDE);
         rio_close(file);
     }
     count_bytes(state);
