@@ -2,13 +2,14 @@
 
 #include <algorithm>
 
+#include "filters/ihs_rows.h"
 #include "filters/level_table.h"
 #include "filters/long_pass.h"
 #include "services/ws.h"
 
 namespace {
 
-constexpr int STEPS = 42, SEGMENTS = 6, HUE_MAX = SEGMENTS * STEPS - 1;
+constexpr int STEPS = IHS_STEPS;
 constexpr double PER_STEP = 0.024390243902439025;      // 1 / 41
 constexpr double PER_LEVEL = 0.00392156862745098;      // 1 / 255
 constexpr double THIRD_PER_STEP = 2.073170731707317;   // 85 / 41
@@ -68,23 +69,10 @@ inline uint8_t hue_of(int red, int green, int blue, int lo, int hi)
     return uint8_t(hi == green ? hue_frac[r][g] + 84 : 167 - hue_frac[g][r]);
 }
 
-struct three_tables {
-    uint8_t of[3][256];
-};
-
-three_tables tables_of(const int16_t *map1, const int16_t *map2, const int16_t *map3)
-{
-    three_tables t;
-    level_table(map1, t.of[0]);
-    level_table(map2, t.of[1]);
-    level_table(map3, t.of[2]);
-    return t;
-}
-
-void forward_row(uint8_t *b1, uint8_t *b2, uint8_t *b3, const three_tables &t, int cols)
+void forward_row(uint8_t *b1, uint8_t *b2, uint8_t *b3, int cols)
 {
     for (int c = 0; c < cols; c++) {
-        const int red = t.of[0][b1[c]], green = t.of[1][b2[c]], blue = t.of[2][b3[c]];
+        const int red = b1[c], green = b2[c], blue = b3[c];
         const int hi = std::max({ red, green, blue }), lo = std::min({ red, green, blue });
         const uint8_t saturation = sat_frac[hi][lo];
         b1[c] = uint8_t((red + green + blue) / 3);
@@ -100,7 +88,7 @@ struct hue_segment {
     int first, second, rest;
 };
 constexpr int RED = 0, GREEN = 1, BLUE = 2;
-constexpr hue_segment segments[SEGMENTS] = {
+constexpr hue_segment segments[IHS_SEGMENTS] = {
     { ihs_lim1, ihs_f1, ihs_f3, BLUE,  GREEN, RED },
     { ihs_lim2, ihs_f2, ihs_f4, GREEN, BLUE,  RED },
     { ihs_lim1, ihs_f1, ihs_f3, GREEN, RED,   BLUE },
@@ -120,9 +108,9 @@ inline int back_pixel(int intensity, int hue, int saturation, uint8_t rgb[3])
         rgb[RED] = rgb[GREEN] = rgb[BLUE] = uint8_t(intensity);
         return 0;
     }
-    hue = std::min(hue, HUE_MAX);
+    hue = std::min(hue, IHS_HUE_MAX);
     const int number = hue / STEPS, step = hue % STEPS;
-    if (number >= SEGMENTS) {
+    if (number >= IHS_SEGMENTS) {
         report(REPORT_WARNING, " ERROR in hue segment assignments ");
         return IHS_BAD_HUE;
     }
@@ -136,11 +124,11 @@ inline int back_pixel(int intensity, int hue, int saturation, uint8_t rgb[3])
     return 0;
 }
 
-int back_row(uint8_t *b1, uint8_t *b2, uint8_t *b3, const three_tables &t, int cols)
+int back_row(uint8_t *b1, uint8_t *b2, uint8_t *b3, int cols)
 {
     for (int c = 0; c < cols; c++) {
         uint8_t rgb[3];
-        if (const int result = back_pixel(t.of[0][b1[c]], t.of[1][b2[c]], t.of[2][b3[c]], rgb); result < 0)
+        if (const int result = back_pixel(b1[c], b2[c], b3[c], rgb); result < 0)
             return result;
         b1[c] = rgb[RED];
         b2[c] = rgb[GREEN];
@@ -148,6 +136,17 @@ int back_row(uint8_t *b1, uint8_t *b2, uint8_t *b3, const three_tables &t, int c
     }
     return 0;
 }
+
+const ihs_rows &best_rows()
+{
+#if defined(__x86_64__)
+    if (__builtin_cpu_supports("avx2"))
+        return ihs_by_arithmetic;
+#endif
+    return ihs_by_tables;
+}
+
+typedef int (*row_pass)(uint8_t *b1, uint8_t *b2, uint8_t *b3, int cols);
 
 int stopped(int row, int rows)
 {
@@ -157,7 +156,42 @@ int stopped(int row, int rows)
     return abort_check();
 }
 
+int forward(uint8_t *b1, uint8_t *b2, uint8_t *b3, int cols)
+{
+    best_rows().forward(b1, b2, b3, cols);
+    return 0;
+}
+
+int back(uint8_t *b1, uint8_t *b2, uint8_t *b3, int cols)
+{
+    return best_rows().back(b1, b2, b3, cols);
+}
+
+// Row after row through the maps and then through the pass, which ends with what it answers below 0.
+int pass_rows(row_pass pass, uint8_t *const bands[3], const int16_t *const maps[3], int rows, int cols)
+{
+    uint8_t tables[3][256];
+    ihs_init();
+    for (int i = 0; i < 3; i++)
+        level_table(maps[i], tables[i]);
+    for (int r = 0; r < rows; r++) {
+        if (stopped(r, rows))
+            return IHS_STOPPED;
+        uint8_t *row[3];
+        for (int i = 0; i < 3; i++) {
+            row[i] = bands[i] + int64_t{r} * cols;
+            if (!is_identity(maps[i]))
+                map_levels(row[i], row[i], tables[i], size_t(cols));
+        }
+        if (const int result = pass(row[0], row[1], row[2], cols); result < 0)
+            return result;
+    }
+    return 0;
+}
+
 } // namespace
+
+const ihs_rows ihs_by_tables = { forward_row, back_row };
 
 void ihs_init()
 {
@@ -177,27 +211,14 @@ bool ihs_ready()
 
 int rgb_to_ihs(uint8_t *b1, uint8_t *b2, uint8_t *b3, const int16_t *map1, const int16_t *map2, const int16_t *map3, int rows, int cols)
 {
-    ihs_init();
-    const three_tables t = tables_of(map1, map2, map3);
-    for (int r = 0; r < rows; r++) {
-        if (stopped(r, rows))
-            return IHS_STOPPED;
-        const int64_t at = int64_t{r} * cols;
-        forward_row(b1 + at, b2 + at, b3 + at, t, cols);
-    }
-    return 0;
+    uint8_t *const bands[3] = { b1, b2, b3 };
+    const int16_t *const maps[3] = { map1, map2, map3 };
+    return pass_rows(forward, bands, maps, rows, cols);
 }
 
 int ihs_to_rgb(uint8_t *b1, uint8_t *b2, uint8_t *b3, const int16_t *map1, const int16_t *map2, const int16_t *map3, int rows, int cols)
 {
-    ihs_init();
-    const three_tables t = tables_of(map1, map2, map3);
-    for (int r = 0; r < rows; r++) {
-        if (stopped(r, rows))
-            return IHS_STOPPED;
-        const int64_t at = int64_t{r} * cols;
-        if (const int result = back_row(b1 + at, b2 + at, b3 + at, t, cols); result < 0)
-            return result;
-    }
-    return 0;
+    uint8_t *const bands[3] = { b1, b2, b3 };
+    const int16_t *const maps[3] = { map1, map2, map3 };
+    return pass_rows(back, bands, maps, rows, cols);
 }

@@ -1,6 +1,7 @@
 #include "filters/random_image.h"
 
 #include "filters/ihs.h"
+#include "filters/ihs_rows.h"
 
 namespace {
 
@@ -108,6 +109,37 @@ TEST(RgbToIhs, IsExactForAllColours)
 TEST(IhsToRgb, IsExactForAllTriplets)
 {
     expect_all_colours(ihs_to_rgb, to_rgb);
+}
+
+// Every colour once, in rows that the vectors do not divide; the tables are the measure.
+TEST(IhsRows, TablesAndArithmeticGiveTheSameForAllColours)
+{
+    ihs_init();
+    plane by_tables[3], by_arithmetic[3];
+    for (int a = 0; a < 256; a++)
+        for (const bool back : { false, true }) {
+            for (int i = 0; i < 3; i++)
+                by_tables[i].resize(65536);
+            for (size_t i = 0; i < 65536; i++) {
+                by_tables[0][i] = uint8_t(a);
+                by_tables[1][i] = uint8_t(i >> 8);
+                by_tables[2][i] = uint8_t(i);
+            }
+            std::copy(by_tables, by_tables + 3, by_arithmetic);
+            for (int at = 0; at < 65536;) {
+                const int count = std::min(65536 - at, 777);
+                for (const auto &[rows, p] : { std::pair(&ihs_by_tables, by_tables), std::pair(&ihs_by_arithmetic, by_arithmetic) }) {
+                    uint8_t *const b1 = p[0].data() + at, *const b2 = p[1].data() + at, *const b3 = p[2].data() + at;
+                    if (back)
+                        ASSERT_EQ(rows->back(b1, b2, b3, count), 0);
+                    else
+                        rows->forward(b1, b2, b3, count);
+                }
+                at += count;
+            }
+            for (int i = 0; i < 3; i++)
+                ASSERT_TRUE(by_tables[i] == by_arithmetic[i]) << "first band " << a << ", band " << i << (back ? ", back" : "");
+        }
 }
 
 TEST(RgbToIhs, ThePrimariesLieAtTheirHues)
