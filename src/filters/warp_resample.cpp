@@ -76,13 +76,13 @@ void resample_row(const uint8_t *in, uint8_t *out, int in_rows, int in_cols, int
     if (method == WARP_BILINEAR || method == WARP_CUBIC)
         shift_by_half(rows, cols, count);
     for (int i = 0; i < count; i += RUN_PIXELS) {
-        const int part = std::min(RUN_PIXELS, count - i);
+        const warp_tile tile = { rows + i, cols + i, std::min(RUN_PIXELS, count - i), 0 };
         if (method == WARP_NEAREST)
-            sample_nearest(source, &window, out + i, rows + i, cols + i, part, FROM_ZERO);
+            sample_nearest(source, &window, out + i, tile, FROM_ZERO);
         else if (method == WARP_BILINEAR)
-            sample_bilinear(source, &window, out + i, rows + i, cols + i, part);
+            sample_bilinear(source, &window, out + i, tile);
         else if (method == WARP_CUBIC)
-            sample_cubic(source, &window, out + i, rows + i, cols + i, part, table);
+            sample_cubic(source, &window, out + i, tile, table);
     }
 }
 
@@ -118,6 +118,6 @@ void nearest_run(const uint8_t *in, uint8_t *out, int in_rows, int in_cols, int 
     for (int i = 0; i < count; i += RUN_PIXELS) {
         const int part = std::min(RUN_PIXELS, count - i);
         walk(&run, part, rows, cols);
-        sample_nearest(source, &window, out + i, rows, cols, part, ABOVE_MINUS_ONE);
+        sample_nearest(source, &window, out + i, { rows, cols, part, 1 }, ABOVE_MINUS_ONE);
     }
 }

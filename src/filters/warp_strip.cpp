@@ -50,13 +50,9 @@ void walk_columns(strip_walk *walk, int count, double shift, double *rows, doubl
 // Sampled column by column, put down in rows; what the next tiles will write is called for.
 void put_tile(uint8_t *out, int out_cols, const uint8_t *tile, int count)
 {
-    uint8_t turned[TILE_PIXELS];
-    transpose_block(tile, STRIP_ROWS, turned, STRIP_COLS, count, STRIP_ROWS);
-    for (int k = 0; k < STRIP_ROWS; k++) {
-        uint8_t *const row = out + int64_t{k} * out_cols;
-        memcpy(row, turned + k * STRIP_COLS, size_t(count));
-        __builtin_prefetch(row + AHEAD, 1);
-    }
+    transpose_block(tile, STRIP_ROWS, out, out_cols, count, STRIP_ROWS);
+    for (int k = 0; k < STRIP_ROWS; k++)
+        __builtin_prefetch(out + int64_t{k} * out_cols + AHEAD, 1);
 }
 
 } // namespace
@@ -65,21 +61,22 @@ void warp_strip(const warp_source &in, uint8_t *out, int out_cols, const warp_li
 {
     const double shift = method == WARP_NEAREST ? 0.0 : 0.5;
     alignas(lanes) double rows[TILE_PIXELS], cols[TILE_PIXELS];
-    uint8_t tile[TILE_PIXELS];
+    uint8_t pixels[TILE_PIXELS];
     warp_window window;
     strip_walk walk;
     start_walk(&walk, lines, out_cols);
     for (int c = 0; c < out_cols; c += STRIP_COLS) {
-        const int count = std::min(STRIP_COLS, out_cols - c), pixels = count * STRIP_ROWS;
+        const int count = std::min(STRIP_COLS, out_cols - c);
+        const warp_tile tile = { rows, cols, count * STRIP_ROWS, STRIP_ROWS };
         walk_columns(&walk, count, shift, rows, cols);
         if (method == WARP_NEAREST)
-            sample_nearest(in, &window, tile, rows, cols, pixels, ABOVE_MINUS_ONE);
+            sample_nearest(in, &window, pixels, tile, ABOVE_MINUS_ONE);
         else if (method == WARP_BILINEAR)
-            sample_bilinear(in, &window, tile, rows, cols, pixels);
+            sample_bilinear(in, &window, pixels, tile);
         else if (method == WARP_CUBIC)
-            sample_cubic(in, &window, tile, rows, cols, pixels, table);
+            sample_cubic(in, &window, pixels, tile, table);
         else
             return;
-        put_tile(out + c, out_cols, tile, count);
+        put_tile(out + c, out_cols, pixels, count);
     }
 }

@@ -30,14 +30,13 @@ bool is_inside(double row, double col, const bounds &b)
 
 // --- windows -------------------------------------------------------------------------------------------------------------
 
-// How many pixels of a tile are inside the image; when all are, their whole rows and columns, and the least and greatest of these.
+// How many pixels are inside the image; when all are, their least and greatest rows and columns.
 struct tile_survey {
-    alignas(VECTOR_BYTES) int32_t rows[TILE_PIXELS], cols[TILE_PIXELS];
     int inside, top, left, bottom, right;
 };
 
 VECTOR_CLONES
-void survey_tile(tile_survey *survey, const double *__restrict rows, const double *__restrict cols, int count, const bounds &b)
+tile_survey survey_pixels(const double *rows, const double *cols, int count, const bounds &b)
 {
     const auto [low, row_high, col_high] = b;
     int inside = 0, top = INT32_MAX, left = INT32_MAX, bottom = INT32_MIN, right = INT32_MIN;
@@ -45,26 +44,33 @@ void survey_tile(tile_survey *survey, const double *__restrict rows, const doubl
         const bool in = (rows[i] >= low) & (rows[i] < row_high) & (cols[i] >= low) & (cols[i] < col_high);
         const double row = in ? rows[i] : 0.0, col = in ? cols[i] : 0.0;
         const int32_t r = int32_t(row), c = int32_t(col);
-        survey->rows[i] = r;
-        survey->cols[i] = c;
         inside += in;
         top = std::min(top, r);
         bottom = std::max(bottom, r);
         left = std::min(left, c);
         right = std::max(right, c);
     }
-    survey->inside = inside;
-    survey->top = top;
-    survey->left = left;
-    survey->bottom = bottom;
-    survey->right = right;
+    return { inside, top, left, bottom, right };
+}
+
+// What begins and ends inside on a straight line is inside all the way.
+tile_survey survey_tile(const warp_tile &t, const bounds &b)
+{
+    if (t.lanes > 0 && t.count >= t.lanes) {
+        const int last = t.count - t.lanes;
+        const tile_survey begin = survey_pixels(t.rows, t.cols, t.lanes, b), end = survey_pixels(t.rows + last, t.cols + last, t.lanes, b);
+        if (begin.inside == t.lanes && end.inside == t.lanes)
+            return { t.count, std::min(begin.top, end.top), std::min(begin.left, end.left), std::max(begin.bottom, end.bottom),
+                     std::max(begin.right, end.right) };
+    }
+    return survey_pixels(t.rows, t.cols, t.count, b);
 }
 
 VECTOR_CLONES
-void place_pixels(int32_t *__restrict place, const int32_t *whole_rows, const int32_t *whole_cols, int count, int top, int left)
+void find_places(int32_t *__restrict place, const double *rows, const double *cols, int count, int top, int left)
 {
     for (int i = 0; i < count; i++)
-        place[i] = (whole_rows[i] - top) * WINDOW_SIDE + whole_cols[i] - left;
+        place[i] = (int32_t(rows[i]) - top) * WINDOW_SIDE + (int32_t(cols[i]) - left);
 }
 
 // The next window will lie as far from this one as this one from the last.
@@ -79,12 +85,12 @@ void expect_next_window(const warp_source &in, const warp_window &w, int top, in
     }
 }
 
-// Fetches the window of `count` pixels with so many rows and columns before and behind each. 0 when not all are so far inside the image,
-// or when they are too far apart.
-int fetch_window(warp_window *w, const warp_source &in, const tile_survey &s, int count, int before, int behind)
+// Fetches the window of a tile, with so many rows and columns before and behind each pixel. 0 when not all are so far inside the image, or
+// when they are too far apart.
+int fetch_window(warp_window *w, const warp_source &in, const warp_tile &tile, const tile_survey &s, int before, int behind)
 {
     const int reach = WINDOW_SIDE - before - behind;
-    if (s.inside < count || s.bottom - s.top >= reach || s.right - s.left >= reach || in.cols < WINDOW_SIDE)
+    if (s.inside < tile.count || s.bottom - s.top >= reach || s.right - s.left >= reach || in.cols < WINDOW_SIDE)
         return 0;
     if (s.top < before || s.left < before || s.bottom >= in.rows - behind || s.right >= in.cols - behind)
         return 0;
@@ -92,11 +98,16 @@ int fetch_window(warp_window *w, const warp_source &in, const tile_survey &s, in
     w->height = s.bottom + behind - top + 1;
     for (int r = 0; r < w->height; r++)
         memcpy(w->pixels + r * WINDOW_SIDE, in.pixels + in.row_start[top + r] + left, WINDOW_SIDE);
-    place_pixels(w->place, s.rows, s.cols, count, top, left);
+    find_places(w->place, tile.rows, tile.cols, tile.count, top, left);
     expect_next_window(in, *w, top, left);
     w->top = top;
     w->left = left;
     return 1;
+}
+
+inline const uint8_t *pixel_in(const warp_window &w, int i)
+{
+    return w.pixels + w.place[i];
 }
 
 // A coordinate less its whole part is exact, so scaling before or after the subtraction truncates to the same.
@@ -184,11 +195,11 @@ inline uint32_t sum_of(four_words v)
 
 // The sums down the four columns come first, all four at once: as integers they give the same.
 VECTOR_CLONES
-void convolve_window(uint32_t *__restrict sums, const uint32_t *samples, const int32_t *place, const int32_t *row_fractions,
+void convolve_window(uint32_t *__restrict sums, const uint32_t *samples, const warp_window &w, const int32_t *row_fractions,
                      const int32_t *col_fractions, int count, const cubic_table &table)
 {
     for (int i = 0; i < count; i++) {
-        const uint32_t *const cell = samples + place[i] - WINDOW_SIDE - 1;
+        const uint32_t *const cell = samples + w.place[i] - WINDOW_SIDE - 1;
         const int32_t *const row_weights = table.weights[row_fractions[i]];
         four_words sum = {}, line, col_weights;
         for (int y = 0; y < 4; y++) {
@@ -227,15 +238,15 @@ void fill_cubic_table(cubic_table *table, const int32_t *w0, const int32_t *w1, 
     }
 }
 
-void sample_nearest(const warp_source &in, warp_window *w, uint8_t *out, const double *rows, const double *cols, int count, double lowest)
+void sample_nearest(const warp_source &in, warp_window *w, uint8_t *out, const warp_tile &tile, double lowest)
 {
+    const auto [rows, cols, count, lanes] = tile;
     const bounds image = bounds_of(in, lowest);
-    tile_survey survey;
-    survey_tile(&survey, rows, cols, count, image);
-    if (fetch_window(w, in, survey, count, 0, 0)) {
+    const tile_survey survey = survey_tile(tile, image);
+    if (fetch_window(w, in, tile, survey, 0, 0)) {
 #pragma GCC unroll 8
         for (int i = 0; i < count; i++)
-            out[i] = w->pixels[w->place[i]];
+            out[i] = *pixel_in(*w, i);
         return;
     }
     memset(out, 0, size_t(count));
@@ -244,19 +255,20 @@ void sample_nearest(const warp_source &in, warp_window *w, uint8_t *out, const d
             out[i] = in.pixels[in.row_start[int(rows[i])] + int(cols[i])];
 }
 
-void sample_bilinear(const warp_source &in, warp_window *w, uint8_t *out, const double *rows, const double *cols, int count)
+void sample_bilinear(const warp_source &in, warp_window *w, uint8_t *out, const warp_tile &tile)
 {
+    const auto [rows, cols, count, lanes] = tile;
     const bounds image = bounds_of(in, FROM_ZERO);
-    tile_survey survey;
-    survey_tile(&survey, rows, cols, count, image);
-    if (fetch_window(w, in, survey, count, 0, 1)) {
+    const tile_survey survey = survey_tile(tile, image);
+    if (fetch_window(w, in, tile, survey, 0, 1)) {
         alignas(VECTOR_BYTES) int32_t row_fractions[TILE_PIXELS], col_fractions[TILE_PIXELS];
         alignas(VECTOR_BYTES) uint32_t top[TILE_PIXELS], bottom[TILE_PIXELS];
         find_fractions(row_fractions, col_fractions, rows, cols, count, FRACTION_ONE);
 #pragma GCC unroll 4
         for (int i = 0; i < count; i++) {
-            top[i] = two_bytes(w->pixels + w->place[i]);
-            bottom[i] = two_bytes(w->pixels + w->place[i] + WINDOW_SIDE);
+            const uint8_t *const cell = pixel_in(*w, i);
+            top[i] = two_bytes(cell);
+            bottom[i] = two_bytes(cell + WINDOW_SIDE);
         }
         mix_pairs(out, top, bottom, row_fractions, col_fractions, count);
         return;
@@ -267,18 +279,17 @@ void sample_bilinear(const warp_source &in, warp_window *w, uint8_t *out, const 
             out[i] = bilinear_anywhere(in, rows[i], cols[i]);
 }
 
-void sample_cubic(const warp_source &in, warp_window *w, uint8_t *out, const double *rows, const double *cols, int count,
-                  const cubic_table &table)
+void sample_cubic(const warp_source &in, warp_window *w, uint8_t *out, const warp_tile &tile, const cubic_table &table)
 {
+    const auto [rows, cols, count, lanes] = tile;
     const bounds image = bounds_of(in, FROM_ZERO);
-    tile_survey survey;
-    survey_tile(&survey, rows, cols, count, image);
-    if (fetch_window(w, in, survey, count, 1, 2)) {
+    const tile_survey survey = survey_tile(tile, image);
+    if (fetch_window(w, in, tile, survey, 1, 2)) {
         alignas(VECTOR_BYTES) int32_t row_fractions[TILE_PIXELS], col_fractions[TILE_PIXELS];
         alignas(VECTOR_BYTES) uint32_t samples[WINDOW_SIDE * WINDOW_SIDE], sums[TILE_PIXELS];
         find_fractions(row_fractions, col_fractions, rows, cols, count, CUBIC_STEPS);
         widen(samples, w->pixels, w->height * WINDOW_SIDE);
-        convolve_window(sums, samples, w->place, row_fractions, col_fractions, count, table);
+        convolve_window(sums, samples, *w, row_fractions, col_fractions, count, table);
         level_sums(out, sums, count);
         return;
     }

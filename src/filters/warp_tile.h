@@ -25,6 +25,13 @@ struct warp_window {
     int top = 0, left = 0, height = 0;
 };
 
+// `count` coordinates, at most TILE_PIXELS. With `lanes` the tile is so many straight runs side by side: a pixel follows the one `lanes`
+// before it by a step that stays the same, so that its coordinates only grow or only shrink along the run. 0 when nothing is known.
+struct warp_tile {
+    const double *rows, *cols;
+    int count, lanes;
+};
+
 // The four weights of a fraction side by side.
 struct cubic_table {
     int32_t weights[CUBIC_ENTRIES][4];
@@ -35,8 +42,6 @@ void fill_cubic_table(cubic_table *table, const int32_t *w0, const int32_t *w1, 
 constexpr double FROM_ZERO = 0.0;
 constexpr double ABOVE_MINUS_ONE = -1.0 + DBL_EPSILON / 2;  // all that truncates to 0
 
-// `count` is at most TILE_PIXELS.
-void sample_nearest(const warp_source &in, warp_window *w, uint8_t *out, const double *rows, const double *cols, int count, double lowest);
-void sample_bilinear(const warp_source &in, warp_window *w, uint8_t *out, const double *rows, const double *cols, int count);
-void sample_cubic(const warp_source &in, warp_window *w, uint8_t *out, const double *rows, const double *cols, int count,
-                  const cubic_table &table);
+void sample_nearest(const warp_source &in, warp_window *w, uint8_t *out, const warp_tile &tile, double lowest);
+void sample_bilinear(const warp_source &in, warp_window *w, uint8_t *out, const warp_tile &tile);
+void sample_cubic(const warp_source &in, warp_window *w, uint8_t *out, const warp_tile &tile, const cubic_table &table);
