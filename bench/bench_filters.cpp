@@ -1,11 +1,14 @@
 // Whole-image operators on a grey plane of 8000 x 8000 (hue transforms: three of 4000 x 4000) beside memcpy of the same bytes.
-// Each turn runs memcpy and then the operator; look at x_memcpy, the median of our times over the median of memcpy's.
+// Each turn runs memcpy and then the operator; look at x_memcpy, the median of our times over the median of memcpy's. Every plane has
+// been written before and lies in large pages, as bands do. A row /command adds what the command does to the band besides: the copy for
+// undo that tone transforms take, in memory that a command before it took.
+#include "filters_bench.h"
+
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <functional>
 #include <vector>
 
 #include "filters/ihs.h"
@@ -13,9 +16,6 @@
 #include "filters/neighbourhood.h"
 #include "filters/orthogonal.h"
 #include "mem.h"
-
-static constexpr int SIDE = 8000, COLOUR_SIDE = 4000;
-static constexpr size_t BYTES = size_t{SIDE} * SIDE;
 
 static uint8_t *plane_memory()
 {
@@ -26,8 +26,7 @@ static uint8_t *plane_memory()
     return plane;
 }
 
-// Slopes with grain, as a photograph has them.
-static uint8_t *photograph()
+uint8_t *photograph()
 {
     static uint8_t *const made = [] {
         uint8_t *plane = plane_memory();
@@ -41,7 +40,7 @@ static uint8_t *photograph()
     return made;
 }
 
-static uint8_t *target()
+uint8_t *target()
 {
     static uint8_t *const made = plane_memory();
     return made;
@@ -92,18 +91,18 @@ static void beside_memcpy(benchmark::State &state, size_t bytes, const std::func
     state.counters["x_memcpy"] = median(works) / median(copies);
 }
 
-static void add(const char *name, size_t bytes, const std::function<void()> &work)
+void add(const std::string &name, size_t bytes, const std::function<void()> &work)
 {
-    benchmark::RegisterBenchmark(name, [=](benchmark::State &state) { beside_memcpy(state, bytes, work); })
+    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) { beside_memcpy(state, bytes, work); })
         ->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(15);
 }
 
 static void add_filters()
 {
     for (int k = 2; k <= 9; k++)
-        add(("smoothing/" + std::to_string(k)).c_str(), BYTES, [k] { smooth_filter(photograph(), target(), SIDE, SIDE, k, k); });
+        add("smoothing/" + std::to_string(k), BYTES, [k] { smooth_filter(photograph(), target(), SIDE, SIDE, k, k); });
     for (int angle = 0; angle < 360; angle += 45)
-        add(("edge_det/" + std::to_string(angle)).c_str(), BYTES,
+        add("edge_det/" + std::to_string(angle), BYTES,
             [angle] { edge_filter(photograph(), target(), table(true), SIDE, SIDE, angle, edge_base_kernel); });
     add("edge_det/0/table", BYTES, [] { edge_filter(photograph(), target(), table(false), SIDE, SIDE, 0, edge_base_kernel); });
     add("edge_enh/8", BYTES, [] { enhance_filter(photograph(), target(), table(true), SIDE, SIDE, 8); });
@@ -111,19 +110,38 @@ static void add_filters()
     add("roberts", BYTES, [] { roberts_l(photograph(), target(), table(true), SIDE, SIDE); });
 }
 
+static void copy_for_undo(size_t bytes)
+{
+    static uint8_t *const undo = plane_memory();
+    std::memcpy(undo, target(), bytes);
+}
+
+static void forward_and_back(bool back)
+{
+    uint8_t *const t = target();
+    (back ? ihs_to_rgb : rgb_to_ihs)(t, t + COLOUR_BYTES, t + 2 * COLOUR_BYTES, table(true), table(true), table(true), COLOUR_SIDE, COLOUR_SIDE);
+}
+
 static void add_tone()
 {
-    static constexpr size_t plane = size_t{COLOUR_SIDE} * COLOUR_SIDE;
     add("apply/in_place", BYTES, [] { apply_lut(target(), target(), table(false), BYTES); });
+    add("apply/command", BYTES, [] {
+        copy_for_undo(BYTES);
+        apply_lut(target(), target(), table(false), BYTES);
+    });
     add("invert/in_place", BYTES, [] { invert_pixels(target(), target(), BYTES); });
-    add("rgb_to_ihs", 3 * plane, [] {
-        uint8_t *const t = target();
-        rgb_to_ihs(t, t + plane, t + 2 * plane, table(true), table(true), table(true), COLOUR_SIDE, COLOUR_SIDE);
+    add("invert/command", BYTES, [] {
+        copy_for_undo(BYTES);
+        invert_pixels(target(), target(), BYTES);
     });
-    add("ihs_to_rgb", 3 * plane, [] {
-        uint8_t *const t = target();
-        ihs_to_rgb(t, t + plane, t + 2 * plane, table(true), table(true), table(true), COLOUR_SIDE, COLOUR_SIDE);
-    });
+    for (const bool back : { false, true }) {
+        const std::string name = back ? "ihs_to_rgb" : "rgb_to_ihs";
+        add(name, 3 * COLOUR_BYTES, [back] { forward_and_back(back); });
+        add(name + "/command", 3 * COLOUR_BYTES, [back] {
+            copy_for_undo(3 * COLOUR_BYTES);
+            forward_and_back(back);
+        });
+    }
 }
 
 static void add_geometry()
@@ -140,6 +158,12 @@ int main(int argc, char **argv)
     add_filters();
     add_geometry();
     add_tone();
+#ifdef BENCH_OPENCV
+    add_opencv();
+#endif
+#ifdef BENCH_LIBYUV
+    add_libyuv();
+#endif
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }
