@@ -42,12 +42,6 @@ void paint_whole(int)
     paint_whole_window();
 }
 
-// With one grey picture the look-up table lies in the colour table; a second picture, or the last but one going, changes that.
-bool grey_duty_changes()
-{
-    return (display_mode & IFB) && !(display_mode & (COLOR | TC | STATIC_VLT));
-}
-
 // True colour windows: table 2 for what is painted in packed colours, the shared table 0 for grey that the table looks up.
 void take_colour_table(int w)
 {
@@ -134,7 +128,7 @@ void picture_closed(int w, int overview, int partner)
         activate_any();
     }
     menu_update_split();
-    if (partner < 0 && picture_count == 1 && grey_duty_changes()) {
+    if (partner < 0 && picture_count == 1 && vlt_holds_grey_table()) {
         vlt_program();
         paint_all_pictures();
         prompt_mark_refresh_done();
@@ -181,7 +175,7 @@ int new_picture_window(int width, int height, int x, int y)
     if (ws_create_window(screen_no, "ACTIVE", x, y, x + width - 1, y + height - 1, &w) != 0)
         return -1;
     picture_count++;
-    if (picture_count == 2 && grey_duty_changes()) {
+    if (picture_count == 2 && vlt_holds_grey_table()) {
         vlt_program();
         paint_all_pictures();
     }

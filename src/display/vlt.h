@@ -39,6 +39,9 @@ void vlt_init();                       // start values, gamma_ref
 void vlt_program();
 void vlt_forget();                     // reserved_count back to 0
 void gamma_apply();
+// One grey picture alone is looked up by the colour table, in which its look-up table is folded; several are looked up as they are
+// painted. With a static table that holds on 9 planes only: on 8 even one picture is painted through its look-up table.
+bool vlt_holds_grey_table();
 void display_rebuild();                // the windows after a change of mono and colour state
 // 0 for an index at or above reserved_count. With a null among the outputs the packed value goes to the first.
 int  named_colour(int index, int *r_out, int *g_out, int *b_out);

@@ -20,6 +20,13 @@ static int ramp_component(const int16_t *lut, int i)
     return gamma_table[lut ? lut_level(lut, i) : i] * 256;
 }
 
+bool vlt_holds_grey_table()
+{
+    if (!(display_mode & IFB) || (display_mode & (COLOR | TC)))
+        return false;
+    return start_planes == 9 || !(display_mode & STATIC_VLT);
+}
+
 static void ramp_9_planes()
 {
     const int16_t *const lut = folded_lut(true);

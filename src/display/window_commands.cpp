@@ -25,7 +25,7 @@ int pick_any_window(const char *title)
     return input == INPUT_POINT;
 }
 
-// Clears and repaints current_window. A source histogram is drawn by the command that shows it, so it stays as it is.
+// Clears and repaints current_window.
 void redraw_window()
 {
     const int w = current_window;
@@ -37,6 +37,9 @@ void redraw_window()
     } else if (w == hist_window) {
         ws_clear_window(w);
         draw_hist(-1, -1, -1, -1);
+    } else if (w == source_hist_window) {
+        ws_clear_window(w);
+        redraw_source_hist();
     }
 }
 

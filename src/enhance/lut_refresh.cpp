@@ -10,11 +10,9 @@
 
 static bool colour_table_looks_up()
 {
-    if (display_mode & STATIC_VLT)
-        return false;
     if (display_mode & TC)
-        return true;
-    return (display_mode & IFB) && !(display_mode & COLOR) && picture_count == 1;
+        return !(display_mode & STATIC_VLT);
+    return vlt_holds_grey_table() && picture_count == 1;
 }
 
 static uint32_t bands_of(const win_rec &win)

@@ -27,19 +27,11 @@ bool has_thumbnails()
     return thumbnails;
 }
 
-// The one grey window's look-up table lies in the colour table. On 9 planes it does so also with a static table.
-bool grey_table_in_colour_table()
-{
-    if (!(display_mode & IFB) || (display_mode & (COLOR | TC)))
-        return false;
-    return start_planes == 9 || !(display_mode & STATIC_VLT);
-}
-
 // The panel counts as a picture, so that the colour table becomes one that the thumbnail can share.
 void count_panel_as_picture()
 {
     picture_count++;
-    if (picture_count == 2 && grey_table_in_colour_table()) {
+    if (picture_count == 2 && vlt_holds_grey_table()) {
         vlt_program();
         paint_all_pictures();
     }
@@ -49,7 +41,7 @@ void count_panel_as_picture()
 uint32_t uncount_panel(uint32_t mask_when_accepted, int accepted)
 {
     picture_count--;
-    if (picture_count == 1 && grey_table_in_colour_table()) {
+    if (picture_count == 1 && vlt_holds_grey_table()) {
         vlt_program();
         return ALL_BANDS;
     }

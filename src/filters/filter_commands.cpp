@@ -45,7 +45,7 @@ int undo_buffers(const band_set &set)
 // One image shown through the colour table: the table held its levels.
 void reload_single_grey()
 {
-    if ((display_mode & IFB) && !(display_mode & (STATIC_VLT | COLOR)) && picture_count == 1)
+    if (vlt_holds_grey_table() && picture_count == 1)
         vlt_program();
 }
 

@@ -3,6 +3,7 @@
 
 #include <random>
 
+#include "display/window_commands.h"
 #include "enhance/contrast_commands.h"
 #include "enhance/contrast_frame.h"
 #include "enhance/contrast_maps.h"
@@ -692,6 +693,20 @@ TEST_F(Contrast, TheOperatorMayCloseTheSourceWindow)
     piecewise_stretch_hist();
     EXPECT_EQ(bands[r].lut[100], 70);
     EXPECT_EQ(source_hist_window, -1);
+}
+
+TEST_F(Contrast, RefreshingDrawsTheSourceWindowAgain)
+{
+    open_grey();
+    looks_then([] {
+        EXPECT_NE(pixel(source_hist_window, 20 + 150, 233), 0u);
+        ws_clear_window(source_hist_window);
+        redraw_all();
+        EXPECT_NE(pixel(source_hist_window, 20 + 150, 233), 0u);
+        EXPECT_EQ(pixel(source_hist_window, 20 + 151, 230), 0u);
+    });
+    resets();
+    piecewise_stretch_hist();
 }
 
 // --- all together ------------------------------------------------------------------------------------------------------------

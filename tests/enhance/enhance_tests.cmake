@@ -4,6 +4,7 @@ kestrel_test(enhance_tables_test SOURCES
   ${PROJECT_SOURCE_DIR}/src/enhance/slice_map.cpp
   ${PROJECT_SOURCE_DIR}/src/enhance/tune_map.cpp)
 kestrel_test(enhance_slice_test SOURCES
+  afternoon_test.cpp
   slice_commands_test.cpp
   tune_test.cpp
   LINKS kestrel_app)

@@ -9,6 +9,17 @@ using LutRefresh = HistSession;
 struct LutRefreshEightPlanes : HistSession {
     LutRefreshEightPlanes() { screen_depth = 8; }
 };
+struct LutRefreshNinePlanes : HistSession {
+    LutRefreshNinePlanes() { screen_depth = 9; }
+};
+
+// What the colour table holds for the window's middle.
+int shown_grey(int w)
+{
+    vlt_entry entry {};
+    EXPECT_EQ(ws_read_vlt(screen_no, &entry, 1, int(pixel(w, windows[w].width / 2, windows[w].height / 2))), 0);
+    return entry.red >> 8;
+}
 
 uint32_t middle_of(int w)
 {
@@ -78,4 +89,28 @@ TEST_F(LutRefresh, ResetLutTouchesTheBandsOfTheMask)
 TEST_F(LutRefresh, WithoutAnActiveWindowNothingHappens)
 {
     refresh_after_lut();
+}
+
+// The table of 9 planes folds the look-up table in whether it is static or not.
+TEST_F(LutRefreshNinePlanes, OneGreyPictureChangesThroughTheColourTableAlsoWhenThatIsStatic)
+{
+    ASSERT_NE(display_mode & STATIC_VLT, 0u);
+    const int n = make_band(16, { { 50, 256 } }), w = show_grey(n);
+    vlt_program();
+    EXPECT_EQ(shown_grey(w), gamma_table[50]);
+    bands[n].lut[50] = 200;
+    refresh_after_lut();
+    EXPECT_EQ(shown_grey(w), gamma_table[200]);
+}
+
+TEST_F(LutRefreshNinePlanes, ASecondGreyPictureAndItsClosingLeaveTheLookOfTheFirst)
+{
+    const int n = make_band(16, { { 50, 256 } }), other = make_band(16, { { 90, 256 } }), first = show_grey(n);
+    bands[n].lut[50] = 200;
+    refresh_after_lut();
+    const int second = show_grey(other);
+    EXPECT_EQ(shown_grey(first), gamma_table[200]);
+    EXPECT_EQ(shown_grey(second), gamma_table[90]);
+    close_window(second);
+    EXPECT_EQ(shown_grey(first), gamma_table[200]);
 }
