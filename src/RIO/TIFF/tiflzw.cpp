@@ -1,8 +1,9 @@
 // The decoder keeps no strings of its own: what a code stands for has been written before, so a table entry is a place in
-// the output. Its first eight bytes stand in the entry as well, and most codes are one store. The coder finds a string by
-// its prefix's code and its last byte in a small open hash table, which is cheap to clear.
+// the output. Its first eight bytes stand in the entry as well, and most codes are one store. The coder has a place for each
+// pair of a code and a byte, and never clears it: an entry counts if the code that it names was entered from that pair.
 #include "RIO/TIFF/tiflzw.h"
 #include "RIO/CORE/rio_format.h"
+#include "RIO/TIFF/tifpack.h"
 #include <algorithm>
 #include <cstring>
 
@@ -10,11 +11,26 @@ enum { CLEAR = 256, END = 257, FIRST = 258, LAST = 4094, CODES = 4096, LEAST_WID
 
 // ---- coding --------------------------------------------------------------------------------------------------------
 
-// Behind the slots stands for each code the string met last that is one byte longer, as (byte + 1) << 12 | code: in flat
-// parts it is the next one too, and found sooner than by the slots.
-//
-// A slot holds (prefix + 1) << 20 | byte << 12 | code; 0 is an empty one.
-enum { SLOT_BITS = 14, SLOT_CODE_SHIFT = 2, SLOTS = 1 << SLOT_BITS, TABLE_BYTES = (SLOTS + 4096) * 4 };
+enum {
+    MOST_RUN = 128,         // bytes of the longest run that is passed at a stroke
+    LONG_STRINGS = 6,       // bytes a string from which on runs are looked for
+    LONG_ENTRY_SHIFT = 12,
+};
+
+struct lzw_table {
+    struct string {
+        uint32_t pair;                  // prefix << 8 | last byte; of single bytes none
+        uint32_t longer;                // bit n: there may be one that is a byte longer, and that byte modulo 32 is n
+    } strings[CODES];                   // by code
+    uint16_t child[CODES << 8];         // by pair
+    // For long strings: of each code the string met last that is a byte longer, as (byte + 1) << 12 | code; and the codes of
+    // the runs of each byte, by length, with the longest known.
+    uint32_t latest[CODES];
+    uint16_t run_length[CODES];         // of a code that is a run, else 0
+    uint16_t runs[256][MOST_RUN + 1];
+    uint16_t longest[256];
+    bool long_strings;                  // those of the last table were
+};
 
 struct bit_writer {
     uint8_t *out;
@@ -35,70 +51,144 @@ static inline void put_code(bit_writer *w, uint64_t code, int width)
     w->count -= whole;
 }
 
-// The codes are spread over the slots evenly, the bytes by a multiplication that does not wait for the code.
-static inline uint32_t slot_of(uint32_t code, uint8_t byte)
-{
-    return (byte * 40503u & (SLOTS - 1)) ^ code << SLOT_CODE_SHIFT;
-}
-
 void lzw_free(lzw_state *state)
 {
-    mem_free(state->slots);
-    state->slots = nullptr;
+    mem_free(state->table);
+    state->table = nullptr;
 }
 
-static void encode(const uint8_t *in, const uint8_t *end, uint32_t *slots, bit_writer *w)
+static lzw_table *make_table()
 {
-    uint32_t *const latest = slots + SLOTS;
-    uint32_t next = FIRST;
-    int width = LEAST_WIDTH;
-    uint32_t code = *in++;
+    lzw_table *t = static_cast<lzw_table *>(mem_calloc(1, sizeof(lzw_table)));
+    for (int i = 0; t && i < FIRST; i++) {
+        t->strings[i].pair = UINT32_MAX;
+        t->run_length[i] = 1;
+    }
+    return t;
+}
+
+// The codes of one table, up to a clear.
+struct lzw_coder {
+    bit_writer w;
+    uint32_t code;      // of the string so far
+    uint32_t next;      // the code to be entered next
+    int width;
+};
+
+// The string of `code` and a byte; 0 when it has not been met. Most of those are known by one bit.
+static inline uint32_t find(const lzw_table &t, const lzw_coder &c, uint8_t byte)
+{
+    if (!(t.strings[c.code].longer >> byte % 32 & 1))
+        return 0;
+    const uint32_t pair = c.code << 8 | byte, held = t.child[pair];
+    return held < c.next && t.strings[held].pair == pair ? held : 0;
+}
+
+// Writes the string's code, enters the one that is a byte longer and begins the next with that byte. False at a full table.
+static inline bool end_string(lzw_table &t, lzw_coder &c, uint8_t byte)
+{
+    put_code(&c.w, c.code, c.width);
+    const uint32_t pair = c.code << 8 | byte;
+    t.strings[c.code].longer |= uint32_t{1} << byte % 32;
+    t.strings[c.next] = { pair, 0 };
+    t.child[pair] = uint16_t(c.next);
+    c.code = byte;
+    c.width += c.next == (1u << c.width) - 1;
+    return c.next++ != LAST;
+}
+
+// Both go on to the end of the bytes, or until the table is full. They answer the next byte.
+static const uint8_t *code_short_strings(const uint8_t *in, const uint8_t *end, lzw_table &t, lzw_coder *coder)
+{
+    lzw_coder c = *coder;
     while (in < end) {
         const uint8_t byte = *in++;
-        if (const uint32_t held = latest[code]; held >> 12 == byte + 1u) {
-            code = held & (CODES - 1);
-            continue;
-        }
-        const uint32_t key = (code + 1) << 20 | uint32_t{byte} << 12;
-        uint32_t at = slot_of(code, byte), held = slots[at];
-        while (held && (held ^ key) >= CODES) {
-            at = (at + 1) & (SLOTS - 1);
-            held = slots[at];
-        }
-        if (held) {
-            latest[code] = (byte + 1u) << 12 | (held & (CODES - 1));
-            code = held & (CODES - 1);
-            continue;
-        }
-        put_code(w, code, width);
-        slots[at] = key | next;
-        latest[code] = (byte + 1u) << 12 | next;
-        code = byte;
-        if (next == LAST) {
-            put_code(w, CLEAR, width);
-            std::memset(slots, 0, TABLE_BYTES);
-            next = FIRST;
-            width = LEAST_WIDTH;
-            continue;
-        }
-        width += next == (1u << width) - 1;
-        next++;
+        if (const uint32_t longer = find(t, c, byte))
+            c.code = longer;
+        else if (!end_string(t, c, byte))
+            break;
     }
-    put_code(w, code, width);
-    put_code(w, END, width);
+    *coder = c;
+    return in;
+}
+
+static void enter_run(lzw_table &t, const lzw_coder &c, uint8_t first, uint8_t byte)
+{
+    const int length = t.run_length[c.code];
+    const bool longer = length > 0 && length < MOST_RUN && byte == first;
+    t.run_length[c.next] = uint16_t(longer ? length + 1 : 0);
+    if (longer) {
+        t.runs[first][length + 1] = uint16_t(c.next);
+        t.longest[first] = uint16_t(length + 1);
+    }
+}
+
+static const uint8_t *code_long_strings(const uint8_t *in, const uint8_t *end, lzw_table &t, lzw_coder *coder)
+{
+    lzw_coder c = *coder;
+    std::memset(t.latest, 0, sizeof t.latest);
+    std::fill_n(t.longest, 256, uint16_t{1});
+    for (bool room = true; room && in < end;) {
+        // A string begins. As far as it is a run that is known it need not be followed byte by byte.
+        const uint8_t first = uint8_t(c.code);
+        const int64_t known = std::min<int64_t>(t.longest[first] - 1, end - in);
+        if (known > 0 && *in == first) {
+            const int64_t run = tif_run_end(in, 0, known);
+            c.code = t.runs[first][run + 1];
+            in += run;
+        }
+        while (in < end) {
+            const uint8_t byte = *in++;
+            const uint32_t last = t.latest[c.code];
+            if (last >> LONG_ENTRY_SHIFT == byte + 1u) {
+                c.code = last & (CODES - 1);
+                continue;
+            }
+            const uint32_t longer = find(t, c, byte);
+            t.latest[c.code] = (byte + 1u) << LONG_ENTRY_SHIFT | (longer ? longer : c.next);
+            if (longer) {
+                c.code = longer;
+                continue;
+            }
+            enter_run(t, c, first, byte);
+            room = end_string(t, c, byte);
+            break;
+        }
+    }
+    *coder = c;
+    return in;
+}
+
+static void encode(const uint8_t *in, const uint8_t *end, lzw_table &t, bit_writer *w)
+{
+    lzw_coder c { *w, *in++, FIRST, LEAST_WIDTH };
+    for (;;) {
+        const uint8_t *const begun = in;
+        for (int i = 0; i < CLEAR; i++)
+            t.strings[i].longer = 0;
+        in = (t.long_strings ? code_long_strings : code_short_strings)(in, end, t, &c);
+        t.long_strings = in - begun > LONG_STRINGS * int64_t{ c.next - FIRST };
+        if (c.next <= LAST)
+            break;
+        put_code(&c.w, CLEAR, MOST_WIDTH);
+        c.next = FIRST;
+        c.width = LEAST_WIDTH;
+    }
+    put_code(&c.w, c.code, c.width);
+    put_code(&c.w, END, c.width);
+    *w = c.w;
 }
 
 int64_t lzw_encode(const uint8_t *in, uint8_t *out, int64_t in_length, lzw_state *state, RFILE *file)
 {
-    if (!state->slots)
-        state->slots = static_cast<uint32_t *>(mem_alloc(TABLE_BYTES));
-    if (!state->slots)
+    if (!state->table)
+        state->table = make_table();
+    if (!state->table)
         return rio_fail(file, RIO_NO_MEMORY, "lzw_encode");
-    std::memset(state->slots, 0, TABLE_BYTES);
     bit_writer w { out, 0, 0 };
     put_code(&w, CLEAR, LEAST_WIDTH);
     if (in_length > 0)
-        encode(in, in + in_length, state->slots, &w);
+        encode(in, in + in_length, *state->table, &w);
     else
         put_code(&w, END, LEAST_WIDTH);
     return w.out + (w.count > 0) - out;

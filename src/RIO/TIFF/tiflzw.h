@@ -5,9 +5,11 @@
 
 struct RFILE;
 
-// The coder's table, made at the first use and kept from strip to strip. A zeroed state is a new one.
+// The coder's table of 2 Mbytes, of which little is touched for short strips; made at the first use and kept from strip to
+// strip. A zeroed state is a new one.
+struct lzw_table;
 struct lzw_state {
-    uint32_t *slots;
+    lzw_table *table;
 };
 void lzw_free(lzw_state *state);
 

@@ -12,6 +12,9 @@ int64_t packbits_decode(const uint8_t *in, uint8_t *out, int64_t out_length, int
 int64_t packbits_encode(const uint8_t *in, uint8_t *out, int64_t in_length);
 inline int64_t packbits_most_bytes(int64_t bytes) { return bytes + bytes / 128 + 1; }
 
+// The end of the run of equal bytes that begins at `at`, `length` at most.
+int64_t tif_run_end(const uint8_t *in, int64_t at, int64_t length);
+
 // Each byte becomes the sum of itself and the one `step` before it, modulo 256, and back. `step` is 1 to 4.
 void tif_sum_bytes(uint8_t *line, int64_t bytes, int step);
 void tif_difference_bytes(uint8_t *line, int64_t bytes, int step);

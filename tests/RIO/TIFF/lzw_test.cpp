@@ -175,6 +175,29 @@ TEST(Lzw, AStateServesOneStripAfterAnother)
     lzw_free(&state);
 }
 
+// Runs of up to 400 bytes and short ones, with noise in between and without: strings that are runs are found in another way,
+// and one strip's kind decides how the next is begun.
+TEST(Lzw, FlatStripsAndNoiseInTurn)
+{
+    lzw_state state {};
+    std::mt19937 random(5);
+    for (int strip = 0; strip < 8; strip++) {
+        const size_t length = 12000 + random() % 12000;
+        bytes in;
+        while (in.size() < length) {
+            const bool rough = strip % 4 == 3 || (strip % 4 == 2 && random() % 50 == 0);
+            const size_t count = rough ? 1 : random() % 3 ? 1 + random() % 12 : 1 + random() % 400;
+            const unsigned values = rough ? 256 : strip % 4 == 0 ? 1 + unsigned(strip) : 5;
+            in.insert(in.end(), count, uint8_t(random() % values));
+        }
+        bytes out(size_t(lzw_most_bytes(int64_t(in.size()))));
+        out.resize(size_t(lzw_encode(in.data(), out.data(), int64_t(in.size()), &state, nullptr)));
+        EXPECT_EQ(out, plainly_coded(in)) << strip;
+        EXPECT_EQ(decoded(out, in.size()), in) << strip;
+    }
+    lzw_free(&state);
+}
+
 TEST(Lzw, AFailedTableIsAnErrorAndNoBytes)
 {
     lzw_state state {};

@@ -1,5 +1,6 @@
 #include "RIO/TIFF/tifpack.h"
 #include "RIO/memory_files.h"
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -88,6 +89,34 @@ TEST(PackBits, CutDataGiveWhatTheyHold)
     EXPECT_EQ(decoded({}, 9).out, bytes());
 }
 
+// The rule as it stands: repeats of 3 to 128, all else in literals.
+static bytes plainly_coded(const bytes &in)
+{
+    bytes out, literals;
+    const auto flush = [&] {
+        for (size_t at = 0; at < literals.size(); at += 128) {
+            const size_t part = std::min<size_t>(literals.size() - at, 128);
+            out.push_back(uint8_t(part - 1));
+            out.insert(out.end(), literals.begin() + long(at), literals.begin() + long(at + part));
+        }
+        literals.clear();
+    };
+    for (size_t at = 0; at < in.size();) {
+        size_t count = 1;
+        while (count < 128 && at + count < in.size() && in[at + count] == in[at])
+            count++;
+        if (count >= 3) {
+            flush();
+            out = out + bytes { uint8_t(1 - int(count)), in[at] };
+        } else {
+            literals.insert(literals.end(), count, in[at]);
+        }
+        at += count;
+    }
+    flush();
+    return out;
+}
+
 TEST(PackBits, EveryLineComesBack)
 {
     std::mt19937 random(1);
@@ -98,6 +127,7 @@ TEST(PackBits, EveryLineComesBack)
             in = in + run(count, uint8_t(random() % 3));
         }
         const bytes code = coded(in);
+        ASSERT_EQ(code, plainly_coded(in)) << i;
         EXPECT_LE(int64_t(code.size()), packbits_most_bytes(int64_t(in.size())));
         const expansion e = decoded(code, in.size());
         ASSERT_EQ(e.out, in);
