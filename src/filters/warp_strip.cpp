@@ -9,24 +9,24 @@
 namespace {
 
 constexpr int STRIP_COLS = TILE_PIXELS / STRIP_ROWS;
-constexpr int AHEAD = 4 * STRIP_COLS;
+constexpr int AHEAD = 4 * STRIP_COLS;       // columns
 
 typedef double lanes __attribute__((vector_size(64)));
 constexpr int LANES = sizeof(lanes) / sizeof(double), PARTS = 2 * STRIP_ROWS / LANES;
 
-// The place of each row where the strip has got to, and its steps.
+// Where each row of the strip has got to, and its steps: image rows first, then columns.
 struct strip_walk {
-    double row[STRIP_ROWS], col[STRIP_ROWS], row_step[STRIP_ROWS], col_step[STRIP_ROWS];
+    double place[2 * STRIP_ROWS], step[2 * STRIP_ROWS];
 };
 
 void start_walk(strip_walk *walk, const warp_line *lines, int out_cols)
 {
     for (int k = 0; k < STRIP_ROWS; k++) {
         const auto [row, col, row_end, col_end] = lines[k];
-        walk->row[k] = row;
-        walk->col[k] = col;
-        walk->row_step[k] = (row_end - row) / (out_cols - 1);
-        walk->col_step[k] = (col_end - col) / (out_cols - 1);
+        walk->place[k] = row;
+        walk->place[STRIP_ROWS + k] = col;
+        walk->step[k] = (row_end - row) / (out_cols - 1);
+        walk->step[STRIP_ROWS + k] = (col_end - col) / (out_cols - 1);
     }
 }
 
@@ -35,8 +35,8 @@ VECTOR_CLONES
 void walk_columns(strip_walk *walk, int count, double shift, double *rows, double *cols)
 {
     lanes place[PARTS], step[PARTS];
-    memcpy(place, walk->row, sizeof place);
-    memcpy(step, walk->row_step, sizeof step);
+    memcpy(place, walk->place, sizeof place);
+    memcpy(step, walk->step, sizeof step);
     double *const to[PARTS] = { rows, rows + LANES, cols, cols + LANES };
     for (int j = 0; j < count; j++)
         for (int k = 0; k < PARTS; k++) {
@@ -44,15 +44,16 @@ void walk_columns(strip_walk *walk, int count, double shift, double *rows, doubl
             memcpy(to[k] + j * STRIP_ROWS, &shifted, sizeof shifted);
             place[k] += step[k];
         }
-    memcpy(walk->row, place, sizeof place);
+    memcpy(walk->place, place, sizeof place);
 }
 
-// Sampled column by column, put down in rows; what the next tiles will write is called for.
-void put_tile(uint8_t *out, int out_cols, const uint8_t *tile, int count)
+// Sampled column by column, put down in rows. What later tiles will write is called for, or the processor would wait for each row of it.
+void put_tile(uint8_t *out, int out_cols, int c, int count, const uint8_t *pixels)
 {
-    transpose_block(tile, STRIP_ROWS, out, out_cols, count, STRIP_ROWS);
+    transpose_block(pixels, STRIP_ROWS, out + c, out_cols, count, STRIP_ROWS);
+    const int later = std::min(out_cols - c, AHEAD + 1) - 1;
     for (int k = 0; k < STRIP_ROWS; k++)
-        __builtin_prefetch(out + int64_t{k} * out_cols + AHEAD, 1);
+        __builtin_prefetch(out + int64_t{k} * out_cols + c + later, 1);
 }
 
 } // namespace
@@ -77,6 +78,6 @@ void warp_strip(const warp_source &in, uint8_t *out, int out_cols, const warp_li
             sample_cubic(in, &window, pixels, tile, table);
         else
             return;
-        put_tile(out + c, out_cols, pixels, count);
+        put_tile(out, out_cols, c, count, pixels);
     }
 }

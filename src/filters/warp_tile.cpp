@@ -73,18 +73,6 @@ void find_places(int32_t *__restrict place, const double *rows, const double *co
         place[i] = (int32_t(rows[i]) - top) * WINDOW_SIDE + (int32_t(cols[i]) - left);
 }
 
-// The next window will lie as far from this one as this one from the last.
-void expect_next_window(const warp_source &in, const warp_window &w, int top, int left)
-{
-    const int next_top = std::clamp(2 * top - w.top, 0, std::max(in.rows - w.height, 0));
-    const int next_left = std::clamp(2 * left - w.left, 0, in.cols - WINDOW_SIDE), last = std::min(next_top + w.height, in.rows);
-    for (int r = next_top; r < last; r++) {
-        const uint8_t *const line = in.pixels + in.row_start[r] + next_left;
-        __builtin_prefetch(line);
-        __builtin_prefetch(line + WINDOW_SIDE - 1);
-    }
-}
-
 // Fetches the window of a tile, with so many rows and columns before and behind each pixel. 0 when not all are so far inside the image, or
 // when they are too far apart.
 int fetch_window(warp_window *w, const warp_source &in, const warp_tile &tile, const tile_survey &s, int before, int behind)
@@ -99,9 +87,6 @@ int fetch_window(warp_window *w, const warp_source &in, const warp_tile &tile, c
     for (int r = 0; r < w->height; r++)
         memcpy(w->pixels + r * WINDOW_SIDE, in.pixels + in.row_start[top + r] + left, WINDOW_SIDE);
     find_places(w->place, tile.rows, tile.cols, tile.count, top, left);
-    expect_next_window(in, *w, top, left);
-    w->top = top;
-    w->left = left;
     return 1;
 }
 

@@ -1,6 +1,6 @@
 // warp_tile.h - private to the warps: the samplers of a tile of output pixels, whatever their order.
-// A tile whose pixels lie close together in the image is sampled from a copy of that window of the image, fetched row by row; so tiles
-// should be compact, and follow one another in even steps. Coordinates are as the samplers use them, already less 0.5 for bilinear and cubic.
+// A tile whose pixels lie close together in the image is sampled from a copy of that window of the image, so tiles should be compact.
+// Coordinates are as the samplers use them, already less 0.5 for bilinear and cubic.
 #pragma once
 #include <cfloat>
 #include <cstdint>
@@ -18,11 +18,11 @@ struct warp_source {
 constexpr int WINDOW_SIDE = 64;
 constexpr int VECTOR_BYTES = 64;       // arrays that straddle this cost twice
 
-// A square of the image around a tile, and where in it each pixel of the tile has its own. It serves a run of tiles.
+// A square of the image around a tile, and where in it each pixel of the tile has its own.
 struct warp_window {
     alignas(VECTOR_BYTES) uint8_t pixels[WINDOW_SIDE * WINDOW_SIDE];
     alignas(VECTOR_BYTES) int32_t place[TILE_PIXELS];
-    int top = 0, left = 0, height = 0;
+    int height;
 };
 
 // `count` coordinates, at most TILE_PIXELS. With `lanes` the tile is so many straight runs side by side: a pixel follows the one `lanes`
