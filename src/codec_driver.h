@@ -1,7 +1,7 @@
 // codec_driver.h - how the raster library reaches a codec service: messages to a driver behind a handle. The library and
 // the drivers both stand on this page, and on nothing of each other.
 //
-// A driver is opened, is sent its quantisation tables, and then compresses and decompresses whole pictures. It has two
+// A driver is opened, is sent its quantisation tables, and then compresses and decompresses pictures. It has two
 // states, compressing and decompressing; a call for the other direction reopens it by itself.
 #pragma once
 #include <cstdint>
@@ -29,11 +29,14 @@ inline constexpr const char *CODEC_JPEG = "JPEG";   // the handler
 struct codec_call {
     int32_t width, height;
     int32_t bits;                   // of a pixel: 8 gray, 24 red, green, blue
-    uint8_t *pixels;                // rows of width * bits / 8 bytes one after another; only read when compressing
+    // The rows of this call. A picture may go in several, from its top down; the first call begins it, and the room for its
+    // coded bytes stays in place until the last.
+    int32_t first_row, rows;
+    uint8_t *pixels;                // these rows, width * bits / 8 bytes each; only read when compressing
     uint8_t *coded;                 // only read when decompressing
     int64_t coded_bytes;            // room in `coded` when compressing; bytes of it when decompressing
     int32_t timeout;                // milliseconds that the caller will wait
-    int64_t made;                   // reply: bytes of the result
+    int64_t made;                   // reply: bytes of the result, with the picture's last row
     // For CODEC_SET_TABLES alone: four tables in row order. First luminance and chrominance as the direction at work takes
     // them, then as the other one does. Forward values: the truncated sum of A / L + 0.5; inverse values: L in 13 bits
     // with its exponent above. L is the divisor, from 2 on; A and the exponent are the scaled transform's (jppkt.h).

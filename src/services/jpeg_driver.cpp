@@ -27,6 +27,7 @@ struct driver_record {
     jpeg_destination_mgr sink;
     std::jmp_buf failed;
     int32_t status;                 // why the work was left
+    int32_t next_row, shape[3];     // of the picture in work: no row without one; width, height, bits
     bool has_tables;
     uint16_t tables[4][COEFFICIENTS];
     uint16_t divisors[2][COEFFICIENTS];
@@ -147,6 +148,7 @@ static int32_t turn_to(driver_record *d, driver_direction direction)
     d->errors.output_message = say_nothing;
     d->common.client_data = d;
     d->direction = direction;
+    d->next_row = 0;
     if (guarded(d, direction == COMPRESSING ? create_compressor : create_decompressor, nullptr) == CODEC_OK)
         return CODEC_OK;
     end_direction(d);
@@ -159,6 +161,12 @@ static void sink_nothing(j_compress_ptr) {}
 static boolean sink_full(j_compress_ptr out) { leave((j_common_ptr)out, CODEC_REFUSED); }
 
 static int64_t row_bytes(const codec_call *call) { return int64_t{ call->width } * (call->bits / 8); }
+
+static void name_rows(const codec_call *call, JDIMENSION from, JDIMENSION count, JSAMPROW *rows)
+{
+    for (JDIMENSION i = 0; i < count; i++)
+        rows[i] = call->pixels + row_bytes(call) * int64_t(from + i);
+}
 
 static void set_up_compressor(driver_record *d, const codec_call *call)
 {
@@ -181,16 +189,19 @@ static void set_up_compressor(driver_record *d, const codec_call *call)
 static void compress(driver_record *d, codec_call *call)
 {
     jpeg_compress_struct *out = &d->out;
-    set_up_compressor(d, call);
-    jpeg_start_compress(out, TRUE);
-    const int64_t bytes = row_bytes(call);
-    while (out->next_scanline < out->image_height) {
+    if (call->first_row == 0) {
+        set_up_compressor(d, call);
+        jpeg_start_compress(out, TRUE);
+    }
+    const JDIMENSION first = JDIMENSION(call->first_row), end = first + JDIMENSION(call->rows);
+    while (out->next_scanline < end) {
         JSAMPROW rows[ROWS_A_CALL];
-        const JDIMENSION count = std::min<JDIMENSION>(ROWS_A_CALL, out->image_height - out->next_scanline);
-        for (JDIMENSION i = 0; i < count; i++)
-            rows[i] = call->pixels + bytes * (out->next_scanline + i);
+        const JDIMENSION at = out->next_scanline, count = std::min<JDIMENSION>(ROWS_A_CALL, end - at);
+        name_rows(call, at - first, count, rows);
         jpeg_write_scanlines(out, rows, count);
     }
+    if (end < out->image_height)
+        return;
     jpeg_finish_compress(out);
     call->made = call->coded_bytes - int64_t(d->sink.free_in_buffer);
 }
@@ -216,7 +227,7 @@ static bool is_wanted(const jpeg_decompress_struct *in, const codec_call *call)
            && in->comps_in_scan == in->num_components;
 }
 
-static void decompress(driver_record *d, codec_call *call)
+static void start_decompressor(driver_record *d, const codec_call *call)
 {
     jpeg_decompress_struct *in = &d->in;
     give_tables(d);
@@ -226,23 +237,51 @@ static void decompress(driver_record *d, codec_call *call)
         leave(&d->common, CODEC_REFUSED);
     in->out_color_space = call->bits == 8 ? JCS_GRAYSCALE : JCS_RGB;
     jpeg_start_decompress(in);
-    const int64_t bytes = row_bytes(call);
-    while (in->output_scanline < in->output_height) {
+}
+
+static void decompress(driver_record *d, codec_call *call)
+{
+    jpeg_decompress_struct *in = &d->in;
+    if (call->first_row == 0)
+        start_decompressor(d, call);
+    const JDIMENSION first = JDIMENSION(call->first_row), end = first + JDIMENSION(call->rows);
+    while (in->output_scanline < end) {
         JSAMPROW rows[ROWS_A_CALL];
-        const JDIMENSION count = std::min<JDIMENSION>(ROWS_A_CALL, in->output_height - in->output_scanline);
-        for (JDIMENSION i = 0; i < count; i++)
-            rows[i] = call->pixels + bytes * (in->output_scanline + i);
+        const JDIMENSION at = in->output_scanline, count = std::min<JDIMENSION>(ROWS_A_CALL, end - at);
+        name_rows(call, at - first, count, rows);
         jpeg_read_scanlines(in, rows, count);
     }
-    call->made = bytes * call->height;
+    if (end == in->output_height)
+        call->made = row_bytes(call) * call->height;
 }
 
 // ---- messages --------------------------------------------------------------------------------------------------------
 
+static bool is_sane(const codec_call *call)
+{
+    return call->width > 0 && call->height > 0 && call->first_row >= 0 && call->rows > 0
+           && call->rows <= call->height - call->first_row && call->pixels && call->coded && call->coded_bytes > 0;
+}
+
+// A call for further rows goes on with the picture in work; one for the first row drops it.
+static bool goes_on(driver_record *d, const codec_call *call, driver_direction direction)
+{
+    if (call->first_row > 0) {
+        return d->direction == direction && d->next_row == call->first_row && d->shape[0] == call->width
+               && d->shape[1] == call->height && d->shape[2] == call->bits;
+    }
+    if (d->next_row > 0)
+        jpeg_abort(&d->common);
+    d->next_row = 0;
+    d->shape[0] = call->width;
+    d->shape[1] = call->height;
+    d->shape[2] = call->bits;
+    return true;
+}
+
 static int32_t run_call(driver_record *d, codec_call *call, driver_direction direction)
 {
-    const bool sane = call->width > 0 && call->height > 0 && call->pixels && call->coded && call->coded_bytes > 0;
-    if (!d->has_tables || !sane)
+    if (!d->has_tables || !is_sane(call) || !goes_on(d, call, direction))
         return CODEC_REFUSED;
     if (call->bits != 8 && call->bits != 24)
         return CODEC_BAD_MODE;
@@ -251,7 +290,11 @@ static int32_t run_call(driver_record *d, codec_call *call, driver_direction dir
     find_divisors(d);
     call->made = 0;
     const int32_t status = guarded(d, direction == COMPRESSING ? compress : decompress, call);
+    d->next_row = call->first_row + call->rows;
+    if (status == CODEC_OK && d->next_row < call->height)
+        return status;
     // What the picture took is given back; the codec stays.
+    d->next_row = 0;
     jpeg_abort(&d->common);
     return status;
 }

@@ -52,6 +52,7 @@ struct JpegDriver : testing::Test {
         call.width = width;
         call.height = height;
         call.bits = bits;
+        call.rows = height;
         call.pixels = pixels.data();
         call.coded = coded.data();
         call.coded_bytes = int64_t(coded.size());
@@ -133,6 +134,56 @@ TEST_F(JpegDriver, RefusesUnknownMessagesAndModes)
     EXPECT_EQ(run(CODEC_DECOMPRESS, 8, 8, 16, pixels, coded), CODEC_BAD_MODE);
     EXPECT_EQ(run(CODEC_COMPRESS, 0, 8, 8, pixels, coded), CODEC_REFUSED);
     EXPECT_EQ(run(CODEC_COMPRESS, 8, -1, 8, pixels, coded), CODEC_REFUSED);
+}
+
+TEST_F(JpegDriver, APictureGoesInPieces)
+{
+    bytes pixels = ramp(40, 50, 3), whole(20000), coded(20000), back(pixels.size()), back_whole(pixels.size());
+    give_tables(true, 5);
+    EXPECT_EQ(run(CODEC_COMPRESS, 40, 50, 24, pixels, whole), CODEC_OK);
+    whole.resize(size_t(made));
+    codec_call call {};
+    call.width = 40;
+    call.height = 50;
+    call.bits = 24;
+    call.coded = coded.data();
+    call.coded_bytes = int64_t(coded.size());
+    const int cuts[] = { 0, 1, 17, 40, 50 };
+    for (int i = 0; i < 4; i++) {
+        call.first_row = cuts[i];
+        call.rows = cuts[i + 1] - cuts[i];
+        call.pixels = &pixels[size_t(cuts[i]) * 120];
+        EXPECT_EQ(send(CODEC_COMPRESS, call), CODEC_OK) << i;
+    }
+    coded.resize(size_t(made));
+    EXPECT_EQ(coded, whole);
+
+    give_tables(false, 5);
+    EXPECT_EQ(run(CODEC_DECOMPRESS, 40, 50, 24, back_whole, whole), CODEC_OK);
+    call.coded_bytes = int64_t(coded.size());
+    for (int i = 0; i < 4; i++) {
+        call.first_row = cuts[i];
+        call.rows = cuts[i + 1] - cuts[i];
+        call.pixels = &back[size_t(cuts[i]) * 120];
+        EXPECT_EQ(send(CODEC_DECOMPRESS, call), CODEC_OK) << i;
+    }
+    EXPECT_EQ(back, back_whole);
+
+    // A piece that is not the next one is refused; the first row begins anew.
+    call.pixels = back.data();
+    call.first_row = 0;
+    call.rows = 10;
+    EXPECT_EQ(send(CODEC_DECOMPRESS, call), CODEC_OK);
+    call.first_row = 11;
+    EXPECT_EQ(send(CODEC_DECOMPRESS, call), CODEC_REFUSED);
+    call.first_row = 10;
+    call.width = 41;
+    EXPECT_EQ(send(CODEC_DECOMPRESS, call), CODEC_REFUSED);
+    call.width = 40;
+    call.rows = 41;
+    EXPECT_EQ(send(CODEC_DECOMPRESS, call), CODEC_REFUSED);
+    EXPECT_EQ(run(CODEC_DECOMPRESS, 40, 50, 24, back, whole), CODEC_OK);
+    EXPECT_EQ(back, back_whole);
 }
 
 TEST_F(JpegDriver, RefusesARoomThatIsTooSmallAndGoesOn)

@@ -1,5 +1,6 @@
 // interleave.cpp - pixel-interleaved lines of any format, made on top of its getline and putline.
 #include "RIO/CORE/rio_format.h"
+#include "RIO/CORE/split_pixels.h"
 
 // Rows of a line's samples, one block behind another.
 struct sample_rows {
@@ -28,6 +29,32 @@ static int rows_alloc(RFILE *file, int samples, sample_rows *rows)
     return 1;
 }
 
+static void join_rows(const sample_rows &rows, int samples, uint8_t *line)
+{
+    if (samples == 3 && rows.step == 3) {
+        rio_join_3(rows.row[0], rows.row[1], rows.row[2], rows.width, line);
+        return;
+    }
+    for (int s = 0; s < samples; s++) {
+        uint8_t *out = line + s;
+        for (int x = 0; x < rows.width; x++, out += rows.step)
+            *out = rows.row[s][x];
+    }
+}
+
+static void split_rows(const uint8_t *line, int samples, const sample_rows &rows)
+{
+    if (samples == 3 && rows.step == 3) {
+        rio_split_3(line, rows.width, rows.row[0], rows.row[1], rows.row[2]);
+        return;
+    }
+    for (int s = 0; s < samples; s++) {
+        const uint8_t *in = line + s;
+        for (int x = 0; x < rows.width; x++, in += rows.step)
+            rows.row[s][x] = *in;
+    }
+}
+
 int rio_dummy_getline_interleaved(RFILE *file, uint8_t *buffer)
 {
     if (!rio_valid(file, "Getline interleaved"))
@@ -44,13 +71,8 @@ int rio_dummy_getline_interleaved(RFILE *file, uint8_t *buffer)
     file->flags &= ~interleave;
     const int result = file->ops.getline(file, samples, rows.row);
     file->flags |= interleave;
-    if (result == 0 || !buffer)
-        return result;
-    for (int s = 0; s < samples; s++) {
-        uint8_t *out = buffer + s;
-        for (int x = 0; x < rows.width; x++, out += rows.step)
-            *out = rows.row[s][x];
-    }
+    if (result != 0 && buffer)
+        join_rows(rows, samples, buffer);
     return result;
 }
 
@@ -65,11 +87,7 @@ int rio_dummy_putline_interleaved(RFILE *file, uint8_t *buffer)
     sample_rows rows;
     if (!rows_alloc(file, samples, &rows))
         return 0;
-    for (int s = 0; s < samples; s++) {
-        const uint8_t *in = buffer + s;
-        for (int x = 0; x < rows.width; x++, in += rows.step)
-            rows.row[s][x] = *in;
-    }
+    split_rows(buffer, samples, rows);
     const uint32_t interleave = file->flags & RIO_INTERLEAVE;
     file->flags &= ~interleave;
     const int result = file->ops.putline(file, samples, rows.row);

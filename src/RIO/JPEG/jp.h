@@ -27,7 +27,12 @@ struct jpeg_state {
     void *board_handle;
     int32_t quality;                    // factor of the base tables: 50 leaves them, more is coarser
     uint8_t *coded;                     // owned
-    uint8_t *pixels;                    // owned; the whole picture, interleaved, for line access
+    // For line access: interleaved rows, from first_row on. Reading, a band of them while lines are asked for downward, and
+    // the whole picture from the first step back on; writing, the whole picture, of which coded_rows went to the driver.
+    uint8_t *pixels;                    // owned
+    int32_t first_row, rows;            // reading: held; writing: 0, and those that came in order
+    int32_t coded_rows;
+    bool disordered;                    // writing: a line was passed over, or came again
     int32_t luminance[JPEG_TABLE], chrominance[JPEG_TABLE];     // base tables, in row order
     uint16_t board_tables[4][JPEG_TABLE];
     // The call that is made now.
@@ -67,6 +72,9 @@ void jpeg_set_direction(RFILE *file, uint32_t direction);
 // interleaved pixels. 0; 1 with RIO_JPEG_HW2, or RIO_NO_OUTPUT when a plane is missing.
 int jpeg_compress(RFILE *file, int plane_count, uint8_t *const *planes);
 int jpeg_decompress(RFILE *file, int plane_count, uint8_t *const *planes);
+// The same for some rows, interleaved, of a picture that is worked through from its top down.
+int jpeg_compress_rows(RFILE *file, int first, int rows, uint8_t *pixels);
+int jpeg_decompress_rows(RFILE *file, int first, int rows, uint8_t *pixels);
 int jpeg_read_coded(RFILE *file);       // the piece of the picture at hand. 0; 1 with the error set
 int jpeg_make_coded(RFILE *file);       // room for a compression. 0; 1 with RIO_NO_MEMORY
 int jpeg_write_coded(RFILE *file);      // 0; 1 with RIO_WRITE_FAILED
@@ -77,6 +85,7 @@ int32_t jpeg_height(const RFILE *file);
 int jpeg_samples(const RFILE *file);
 // Room of `bytes` in `woven`; null with RIO_NO_MEMORY.
 uint8_t *jpeg_weaving_room(RFILE *file, int64_t bytes);
+void jpeg_drop_pixels(jpeg_state *jpeg);
 // Another picture comes to hand: in a tiled file the tile with its piece, else the active image.
 void jpeg_enter_picture(RFILE *file, int64_t piece_offset, int64_t piece_bytes);
 // The record's end.

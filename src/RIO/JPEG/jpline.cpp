@@ -1,5 +1,5 @@
-// jpline.cpp - lines of JPEG data: the picture is decoded whole before its first line is handed out, and coded whole when
-// its last line has come.
+// jpline.cpp - lines of JPEG data: decoded band after band, or whole for a reader that steps back; coded as they come in order,
+// and written when the last has come.
 #include "RIO/JPEG/jp.h"
 #include "RIO/CORE/split_pixels.h"
 #include "RIO/NATV/ntv.h"
@@ -28,27 +28,52 @@ static int fail_to_decode(RFILE *file)
     return 0;
 }
 
-static int decode_picture(RFILE *file)
+// Lines that are decoded or coded at a stroke: they stay in the processor's cache.
+static int band_rows(const RFILE *file)
+{
+    enum { BAND_BYTES = 1 << 18, STEP = 16 };
+    const int64_t fit = BAND_BYTES / (int64_t{ jpeg_width(file) } * jpeg_samples(file)) / STEP * STEP;
+    return int(std::clamp<int64_t>(fit, STEP, std::max<int>(STEP, jpeg_height(file))));
+}
+
+// Rows from `first` on into `pixels`. 0 with the error set, and nothing held.
+static int decode_rows(RFILE *file, int first, int rows)
+{
+    jpeg_state *jpeg = file->jpeg;
+    jpeg->first_row = first;
+    jpeg->rows = std::min(rows, jpeg_height(file) - first);
+    if (jpeg_decompress_rows(file, first, jpeg->rows, jpeg->pixels) == 0)
+        return 1;
+    jpeg_drop_pixels(jpeg);
+    return fail_to_decode(file);
+}
+
+// Begins at the top of the picture, with room for so many rows at a time.
+static int start_decoding(RFILE *file, int rows)
+{
+    jpeg_state *jpeg = file->jpeg;
+    jpeg_drop_pixels(jpeg);
+    if (jpeg_read_coded(file) != 0)
+        return fail_to_decode(file);
+    const int64_t row_bytes = int64_t{ jpeg_width(file) } * jpeg_samples(file);
+    jpeg->pixels = (uint8_t *)mem_alloc(size_t(row_bytes * std::min(rows, jpeg_height(file)) + 12));
+    return jpeg->pixels ? decode_rows(file, 0, rows) : rio_fail(file, RIO_NO_MEMORY, "jpline");
+}
+
+// A reader that goes down gets band after band. One that steps back gets the whole picture decoded once, and then only copies.
+static int hold_line(RFILE *file, int line)
 {
     jpeg_state *jpeg = file->jpeg;
     if (jpeg->damaged)
         return rio_fail(file, file->data_type == RIO_TYPE_JPEG_4 ? RIO_JPEG_HW2 : RIO_READ_FAILED, "jpline");
-    if (jpeg_read_coded(file) != 0)
-        return fail_to_decode(file);
-    const int64_t bytes = int64_t{ jpeg_width(file) } * jpeg_height(file) * jpeg_samples(file);
-    jpeg->pixels = (uint8_t *)mem_alloc(size_t(bytes + 12));
-    if (!jpeg->pixels)
-        return rio_fail(file, RIO_NO_MEMORY, "jpline");
-    // Held as whole pixels, as the driver gives them: each line is split when it is asked for.
-    const uint32_t asked = file->flags & RIO_INTERLEAVE;
-    file->flags |= RIO_INTERLEAVE;
-    const int failed = jpeg_decompress(file, 1, &jpeg->pixels);
-    file->flags = (file->flags & ~uint32_t(RIO_INTERLEAVE)) | asked;
-    if (!failed)
-        return 1;
-    mem_free(jpeg->pixels);
-    jpeg->pixels = nullptr;
-    return fail_to_decode(file);
+    if (!jpeg->pixels && !start_decoding(file, band_rows(file)))
+        return 0;
+    if (line < jpeg->first_row && !start_decoding(file, jpeg_height(file)))
+        return 0;
+    while (line >= jpeg->first_row + jpeg->rows)
+        if (!decode_rows(file, jpeg->first_row + jpeg->rows, band_rows(file)))
+            return 0;
+    return 1;
 }
 
 static void give_pixels(const uint8_t *row, int samples, int64_t width, int step, uint8_t *out)
@@ -88,10 +113,10 @@ int jpeg_get_lines(RFILE *file, int plane_count, uint8_t *const *planes)
     if (jpeg->pixels && jpeg->direction & JPEG_COMPRESSING)
         return rio_fail(file, RIO_READ_FAILED, "jpline");
     jpeg_set_direction(file, JPEG_DECOMPRESSING);
-    if (file->error || (!jpeg->pixels && !decode_picture(file)))
+    if (file->error || !hold_line(file, file->current_line))
         return 0;
     const int samples = jpeg_samples(file), step = pixel_step(file);
-    const uint8_t *row = jpeg->pixels + int64_t{ file->current_line } * jpeg_width(file) * samples;
+    const uint8_t *row = jpeg->pixels + (int64_t{ file->current_line } - jpeg->first_row) * jpeg_width(file) * samples;
     if (step && samples > 1)
         give_pixels(row, samples, file->width, step, planes[0]);
     else
@@ -127,19 +152,44 @@ static void take_pixels(uint8_t *row, int samples, int64_t width, int step, cons
         std::copy_n(in + step * x, samples, row + samples * x);
 }
 
-static int code_picture(RFILE *file)
+static int fail_to_code(RFILE *file)
+{
+    jpeg_drop_pixels(file->jpeg);
+    const bool stays = file->data_type == RIO_TYPE_JPEG_4 || file->error == RIO_NO_MEMORY;
+    return stays ? 0 : rio_fail(file, RIO_WRITE_FAILED, "jpline");
+}
+
+// Rows that came in order go to the driver while they are in the cache.
+static int code_rows(RFILE *file, int from, int to)
 {
     jpeg_state *jpeg = file->jpeg;
-    const uint32_t asked = file->flags & RIO_INTERLEAVE;
-    file->flags |= RIO_INTERLEAVE;
-    const int failed = jpeg_make_coded(file) || jpeg_compress(file, 1, &jpeg->pixels);
-    file->flags = (file->flags & ~uint32_t(RIO_INTERLEAVE)) | asked;
-    mem_free(jpeg->pixels);
-    jpeg->pixels = nullptr;
-    if (failed)
-        return file->data_type == RIO_TYPE_JPEG_4 || file->error == RIO_NO_MEMORY ? 0
-                                                                                 : rio_fail(file, RIO_WRITE_FAILED, "jpline");
+    const int64_t row_bytes = int64_t{ jpeg_width(file) } * jpeg_samples(file);
+    if (from == 0 && jpeg_make_coded(file) != 0)
+        return fail_to_code(file);
+    if (jpeg_compress_rows(file, from, to - from, jpeg->pixels + row_bytes * from) != 0)
+        return fail_to_code(file);
+    jpeg->coded_rows = to;
+    return 1;
+}
+
+static int write_picture(RFILE *file)
+{
+    jpeg_state *jpeg = file->jpeg;
+    if (!code_rows(file, jpeg->disordered ? 0 : jpeg->coded_rows, file->height))
+        return 0;
+    jpeg_drop_pixels(jpeg);
     return rio_byte_seek(file, natv_data_start(file)) ? jpeg_write_coded(file) == 0 : rio_fail(file, RIO_WRITE_FAILED, "jpline");
+}
+
+// The line that has been taken. Lines may come in any order; then the picture is coded at its last line.
+static int code_line(RFILE *file, int line)
+{
+    jpeg_state *jpeg = file->jpeg;
+    jpeg->disordered = jpeg->disordered || line != jpeg->rows;
+    jpeg->rows = line + 1;
+    if (line == file->height - 1)
+        return write_picture(file);
+    return jpeg->disordered || jpeg->rows - jpeg->coded_rows < band_rows(file) || code_rows(file, jpeg->coded_rows, jpeg->rows);
 }
 
 int jpeg_put_lines(RFILE *file, int plane_count, uint8_t *const *planes)
@@ -147,8 +197,6 @@ int jpeg_put_lines(RFILE *file, int plane_count, uint8_t *const *planes)
     jpeg_state *jpeg = file->jpeg;
     if (!jpeg || file->flags & RIO_SCANNABLE)
         return rio_fail(file, RIO_NOT_STANDARD, "jpline");
-    if (jpeg->direction & JPEG_DECOMPRESSING)
-        jpeg_enter_picture(file, 0, 0);
     jpeg_set_direction(file, JPEG_COMPRESSING);
     if (file->error)
         return 0;
@@ -161,5 +209,5 @@ int jpeg_put_lines(RFILE *file, int plane_count, uint8_t *const *planes)
         take_pixels(row, samples, file->width, step, planes[0]);
     else
         take_planes(row, samples, file->width, plane_count, planes);
-    return file->current_line == file->height - 1 && !code_picture(file) ? 0 : file->width;
+    return code_line(file, file->current_line) ? file->width : 0;
 }

@@ -26,13 +26,20 @@ int jpeg_samples(const RFILE *file)
 
 static int64_t picture_pixels(const RFILE *file) { return int64_t{ jpeg_width(file) } * jpeg_height(file); }
 
+void jpeg_drop_pixels(jpeg_state *jpeg)
+{
+    mem_free(jpeg->pixels);
+    jpeg->pixels = nullptr;
+    jpeg->first_row = jpeg->rows = jpeg->coded_rows = 0;
+    jpeg->disordered = false;
+}
+
 void jpeg_enter_picture(RFILE *file, int64_t piece_offset, int64_t piece_bytes)
 {
     jpeg_state *jpeg = file->jpeg;
     if (!jpeg)
         return;
-    mem_free(jpeg->pixels);
-    jpeg->pixels = nullptr;
+    jpeg_drop_pixels(jpeg);
     jpeg->damaged = false;
     jpeg->piece_offset = piece_offset;
     jpeg->piece_bytes = piece_bytes;
@@ -201,6 +208,7 @@ void jpeg_set_direction(RFILE *file, uint32_t direction)
     jpeg_state *jpeg = file->jpeg;
     if ((direction != JPEG_COMPRESSING && direction != JPEG_DECOMPRESSING) || !jpeg || jpeg->direction & direction)
         return;
+    jpeg_drop_pixels(jpeg);
     jpeg->direction = (jpeg->direction & ~(JPEG_COMPRESSING | JPEG_DECOMPRESSING)) | direction;
     jpeg_set_quality(jpeg, jpeg_packet_quality(file), file);
     file->jpeg_mode &= ~uint32_t(RIO_JPEG_TABLES_SENT);
@@ -298,19 +306,21 @@ static void split(const jpeg_state *jpeg, int64_t pixels, const uint8_t *in)
                     jpeg->plane[1] + at, jpeg->plane[2] + at);
 }
 
-// The driver's answer to the call that has been set up. The driver closes after it, unless it is kept.
+// The driver's answer to the call that has been set up. The driver closes after the picture, unless it is kept.
 static int32_t call_board(RFILE *file, codec_message message, codec_call *call)
 {
     // Four bands are refused by the call itself.
     const int32_t status = file->jpeg->mode == JPEG_FOUR_BANDS ? int32_t{ CODEC_BAD_MODE } : send(file, message, call);
     if (status != CODEC_OK)
         report_status(status);
-    if (!(file->jpeg_mode & (RIO_JPEG_KEPT | RIO_JPEG_BOARD)))
+    const bool more = status == CODEC_OK && call->first_row + call->rows < call->height;
+    if (!more && !(file->jpeg_mode & (RIO_JPEG_KEPT | RIO_JPEG_BOARD)))
         close_board(file);
     return status;
 }
 
-static int make_call(RFILE *file, codec_message message, int count, uint8_t *const *planes)
+// Rows from `first` on; all of them when the pixels come in planes.
+static int make_call(RFILE *file, codec_message message, int first, int rows, int count, uint8_t *const *planes)
 {
     jpeg_state *jpeg = file->jpeg;
     if (!set_up_call(file, count, planes) || !send_tables(file))
@@ -321,6 +331,8 @@ static int make_call(RFILE *file, codec_message message, int count, uint8_t *con
     call.width = jpeg_width(file);
     call.height = jpeg_height(file);
     call.bits = jpeg->mode == JPEG_GRAY ? 8 : 24;
+    call.first_row = first;
+    call.rows = rows;
     call.pixels = woven ? jpeg_weaving_room(file, 3 * pixels) : jpeg->plane[0];
     call.coded = jpeg->coded;
     call.coded_bytes = message == CODEC_COMPRESS ? jpeg->coded_capacity : jpeg->coded_bytes;
@@ -334,17 +346,37 @@ static int make_call(RFILE *file, codec_message message, int count, uint8_t *con
         return rio_fail_status(file, status == CODEC_NO_MEMORY ? RIO_NO_MEMORY : RIO_JPEG_HW2, "jputil");
     if (woven && message == CODEC_DECOMPRESS)
         split(jpeg, pixels, call.pixels);
-    if (message == CODEC_COMPRESS)
+    if (message == CODEC_COMPRESS && first + rows == call.height)
         jpeg->coded_bytes = call.made;
     return 0;
 }
 
 int jpeg_compress(RFILE *file, int plane_count, uint8_t *const *planes)
 {
-    return make_call(file, CODEC_COMPRESS, plane_count, planes);
+    return make_call(file, CODEC_COMPRESS, 0, jpeg_height(file), plane_count, planes);
 }
 
 int jpeg_decompress(RFILE *file, int plane_count, uint8_t *const *planes)
 {
-    return make_call(file, CODEC_DECOMPRESS, plane_count, planes);
+    return make_call(file, CODEC_DECOMPRESS, 0, jpeg_height(file), plane_count, planes);
+}
+
+// Rows of whole pixels, whatever the caller's lines are.
+static int call_with_pixels(RFILE *file, codec_message message, int first, int rows, uint8_t *pixels)
+{
+    const uint32_t asked = file->flags & RIO_INTERLEAVE;
+    file->flags |= RIO_INTERLEAVE;
+    const int failed = make_call(file, message, first, rows, 1, &pixels);
+    file->flags = (file->flags & ~uint32_t(RIO_INTERLEAVE)) | asked;
+    return failed;
+}
+
+int jpeg_compress_rows(RFILE *file, int first, int rows, uint8_t *pixels)
+{
+    return call_with_pixels(file, CODEC_COMPRESS, first, rows, pixels);
+}
+
+int jpeg_decompress_rows(RFILE *file, int first, int rows, uint8_t *pixels)
+{
+    return call_with_pixels(file, CODEC_DECOMPRESS, first, rows, pixels);
 }

@@ -277,9 +277,11 @@ static int add_packet_words(RFILE *file, int words)
     return 0;
 }
 
-// The quality may be told before the data type.
+// The quality may be told before the data type. With the header it is settled.
 static int set_quality(RFILE *file, int quality)
 {
+    if (file->flags & RIO_HEADER_DONE)
+        return 0;
     if (quality < 0 || quality > INT16_MAX)
         return refuse_value(file);
     natv(file)->jpeg_quality = quality;

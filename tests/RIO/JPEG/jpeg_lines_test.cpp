@@ -100,6 +100,77 @@ TEST_F(JpegLines, AnyOrderGivesTheSameLines)
     }
 }
 
+// 2000 pixels of three samples: 43 lines fill the 256 K that are decoded at a stroke, taken as 32.
+static const test_picture &tall_picture()
+{
+    static const test_picture p = make_picture(2000, 100, 3);
+    return p;
+}
+
+TEST_F(JpegLines, ALargePictureIsDecodedInBandsAndFromTheFirstStepBackWhole)
+{
+    unsigned tables[2][64];
+    divisors_of_quality(15, tables);
+    const bytes disk = jpeg_file(tall_picture(), { 31 });
+    const bytes whole = plain_decode(plain_encode(tall_picture(), tables));
+    const auto line = [&](int y) { return bytes(&whole[size_t(y) * 6000], &whole[size_t(y) * 6000] + 6000); };
+    EXPECT_EQ(pixels_of(disk, 3), whole);
+    const std::vector<int> walks[] = { { 5, 31, 32, 99 }, { 99, 98, 0 }, { 40, 50, 31, 64, 0, 99 }, { 70, 70, 10, 11, 12, 90 } };
+    for (const auto &walk : walks) {
+        memory_file memory(disk);
+        RFILE *file = memory.open_r();
+        ASSERT_TRUE(file);
+        for (const int y : walk) {
+            EXPECT_EQ(rio_seek(file, y), 0);
+            EXPECT_EQ(next_pixels(file, 3), line(y)) << y;
+        }
+        rio_close(file);
+    }
+}
+
+TEST_F(JpegLines, DamageEndsTheLines)
+{
+    bytes disk = jpeg_file(tall_picture(), { 31 });
+    disk.resize(1536 + (disk.size() - 1536) * 3 / 4);
+    memory_file memory(disk);
+    RFILE *file = memory.open_r();
+    ASSERT_TRUE(file);
+    int lines = 0;
+    while (lines < 100 && !next_pixels(file, 3).empty())
+        lines++;
+    EXPECT_EQ(rio_errno, RIO_READ_FAILED);
+    EXPECT_EQ(lines, 64);       // two bands of 32 lie in the first three quarters, and not the third
+    EXPECT_EQ(rio_seek(file, 0), 0);
+    EXPECT_TRUE(next_pixels(file, 3).empty());
+    rio_close(file);
+}
+
+TEST_F(JpegLines, LinesMayBePutInAnyOrderBeforeTheLast)
+{
+    const test_picture &p = tall_picture();
+    const bytes in_order = jpeg_file(p, { 31 });
+    std::vector<int> orders[3];
+    for (int y = 0; y < 99; y++) {
+        orders[0].push_back(98 - y);
+        orders[1].push_back(y);
+        orders[2].push_back(y);
+    }
+    orders[1].push_back(3);                                     // once more
+    std::swap(orders[2][70], orders[2][80]);                    // after a band has gone to the driver
+    for (std::vector<int> &order : orders) {
+        order.push_back(99);
+        memory_file memory(2000000);
+        RFILE *file = new_jpeg(memory, p.width, p.height, { 31 });
+        EXPECT_EQ(rio_write_header(file), 0);   // which goes to line 0
+        for (const int y : order) {
+            EXPECT_EQ(rio_seek(file, y), 0);
+            EXPECT_EQ(put_picture_line(file, p, y), 0) << y;
+        }
+        rio_close(file);
+        EXPECT_TRUE(written(memory) == in_order) << "order " << &order - orders;
+    }
+}
+
 TEST_F(JpegLines, PlanesThatAreNotWantedAreLeft)
 {
     const test_picture p = make_picture(16, 8, 3);
