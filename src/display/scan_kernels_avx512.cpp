@@ -172,7 +172,7 @@ AVX512 static inline __m512i load_four_rows(const uint8_t *row, int64_t stride)
 AVX512 static inline void store_two_lines(uint8_t *out, int64_t out_stride, __m128i lines)
 {
     _mm_storel_epi64(reinterpret_cast<__m128i *>(out), lines);
-    _mm_storeh_pd(reinterpret_cast<double *>(out + out_stride), _mm_castsi128_pd(lines));
+    _mm_storel_epi64(reinterpret_cast<__m128i *>(out + out_stride), _mm_unpackhi_epi64(lines, lines));
 }
 
 // The tile whose first pixel lies at u, v. 0, with nothing written, when its box leaves the source.
