@@ -78,7 +78,7 @@ static int lines_at_a_stroke(RFILE *file, int count, uint8_t *rows, int64_t row_
         return 0;
     const bool large = rio_is_large(file);
     if (file->flags & RIO_TILED)
-        return rio_gather_lines(file, count, rows, row_bytes, large);
+        return file->ops.place_of_tile == rio_no_place_of_tile ? 0 : rio_getlinesfromtile(file, count, rows, row_bytes, large);
     return row_bytes == rio_line_bytes(file) ? read_together(file, count, rows, large) : 0;
 }
 

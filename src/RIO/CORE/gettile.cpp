@@ -19,7 +19,6 @@ void rio_free_tiles(RFILE *file)
     for (uint8_t *strip : tiles->strip)
         mem_free(strip);
     mem_free(tiles->strip_cache);
-    mem_free(tiles->gathered);
     mem_free(tiles->directory);
     mem_free(tiles);
     file->tiles = nullptr;
@@ -113,12 +112,8 @@ static int live_height(const RFILE *file, int row)
 
 static void copy_rows(uint8_t *out, int64_t out_apart, const uint8_t *in, int64_t in_apart, int64_t bytes, int rows)
 {
-    for (int y = 0; y < rows; y++, out += out_apart, in += in_apart) {
-        // The rows that follow are asked for next, and memory is slow to begin with each tile anew.
-        for (int64_t x = 0; x < bytes; x += 64)
-            __builtin_prefetch(in + rows * in_apart + x);
+    for (int y = 0; y < rows; y++, out += out_apart, in += in_apart)
         std::memcpy(out, in, size_t(bytes));
-    }
 }
 
 // Where the tiles of a row of tiles lie in memory, from the first of them on; null when they do not, or not together.
@@ -135,54 +130,6 @@ static const uint8_t *look_at_tiles(RFILE *file, int row, int64_t *first)
     }
     *first = begin;
     return rio_look(file, begin, end - begin);
-}
-
-// Lines in hand on their way to a large image, which takes them whole.
-static uint8_t *gathering_room(RFILE *file, int64_t bytes)
-{
-    rio_tiles *t = file->tiles;
-    if (t->gathered_room < bytes) {
-        mem_free(t->gathered);
-        t->gathered = (uint8_t *)mem_alloc(size_t(bytes));
-        t->gathered_room = t->gathered ? bytes : 0;
-    }
-    return t->gathered;
-}
-
-// `lines` lines from line `into` of the row of tiles on.
-static void gather(RFILE *file, int row, int into, int lines, const uint8_t *lie, int64_t first, uint8_t *out, int64_t row_bytes)
-{
-    for (int column = 0; column < file->tiles->tiles_across; column++) {
-        const lying_rows rows = rows_of_tile(file, int64_t{ row } * file->tiles->tiles_across + column);
-        copy_rows(out + column * rio_tile_row_bytes(file), row_bytes, lie + (rows.place - first) + into * rows.apart, rows.apart,
-                  rio_row_bytes(file, live_width(file, column)), lines);
-    }
-}
-
-int rio_gather_lines(RFILE *file, int count, uint8_t *out, int64_t row_bytes, bool large)
-{
-    const rio_tiles *t = file->tiles;
-    const int64_t bytes = rio_line_bytes(file);
-    if (!t || !lies_plain(file, 1) || row_bytes < bytes)
-        return 0;
-    const int row = file->current_line / t->tile_height, into = file->current_line % t->tile_height;
-    int lines = std::min(count, live_height(file, row) - into);
-    uint8_t *room = nullptr;
-    if (large && row_bytes == bytes && bytes <= MOST_GATHERED) {
-        lines = int(std::min<int64_t>(lines, MOST_GATHERED / bytes));
-        room = gathering_room(file, lines * bytes);
-    }
-    int64_t first;
-    const uint8_t *lie = look_at_tiles(file, row, &first);
-    if (!lie)
-        return 0;
-    gather(file, row, into, lines, lie, first, room ? room : out, row_bytes);
-    if (!rio_look_ended(file))
-        return 0;
-    if (room)
-        rio_stream_copy(out, room, size_t(lines * bytes));
-    file->current_line += lines;
-    return lines;
 }
 
 // ---- tiles in buffers --------------------------------------------------------------------------------------------------
@@ -331,24 +278,54 @@ int64_t rio_get_tile_rect(RFILE *file, int count, void *const *buffers, int64_t 
 
 // ---- lines -------------------------------------------------------------------------------------------------------
 
+// Room in the strip for `lines` lines of each plane. 0 with RIO_NO_MEMORY set.
+static int make_strip(RFILE *file, int64_t lines, int64_t line_bytes, int planes)
+{
+    rio_tiles *t = file->tiles;
+    const int64_t bytes = lines * line_bytes;
+    // Solid tiles take no bytes: a small file may tell of a row of them that no memory holds.
+    if (bytes > MOST_STRIP_BYTES / planes && bytes > MOST_STRIP_SHARE * rio_file_size(file) / planes)
+        return rio_fail(file, RIO_NO_MEMORY, "getlinefromtile");
+    t->strip_first_line = -1;
+    t->strip_lines = int32_t(lines);
+    if (!t->strip_cache || t->strip_planes != planes || t->strip_bytes != bytes) {
+        t->strip_bytes = bytes;
+        mem_free(t->strip_cache);
+        t->strip_cache = (uint8_t *)mem_alloc(size_t(bytes * planes));
+        t->strip_planes = planes;
+    }
+    return t->strip_cache ? 1 : rio_fail(file, RIO_NO_MEMORY, "getlinefromtile");
+}
+
+// Fills the strip with lines from the present one on, from where the tiles lie. 0 when they do not lie so.
+static int gather_strip(RFILE *file, int64_t line_bytes)
+{
+    rio_tiles *t = file->tiles;
+    const int row = file->current_line / t->tile_height, into = file->current_line % t->tile_height;
+    const int lines = int(std::min<int64_t>(live_height(file, row) - into, std::max<int64_t>(MOST_GATHERED / line_bytes, 1)));
+    int64_t first;
+    const uint8_t *lie = look_at_tiles(file, row, &first);
+    if (!lie || !make_strip(file, lines, line_bytes, 1))
+        return 0;
+    for (int column = 0; column < t->tiles_across; column++) {
+        const lying_rows rows = rows_of_tile(file, int64_t{ row } * t->tiles_across + column);
+        copy_rows(t->strip_cache + column * rio_tile_row_bytes(file), line_bytes, lie + (rows.place - first) + into * rows.apart,
+                  rows.apart, rio_row_bytes(file, live_width(file, column)), lines);
+    }
+    if (rio_look_ended(file))
+        t->strip_first_line = file->current_line;
+    return t->strip_first_line >= 0;
+}
+
 // Fills the strip with the row of tiles of the present line, which stays.
 static int fill_strip(RFILE *file, int64_t line_bytes, int planes)
 {
     rio_tiles *t = file->tiles;
+    if (lies_plain(file, planes) && file->access == RIO_ACCESS_READ && gather_strip(file, line_bytes))
+        return 1;
     const int line = file->current_line;
-    const int64_t rows = std::min(t->tile_height, file->height);
-    // Solid tiles take no bytes: a small file may tell of a row of them that no memory holds.
-    const int64_t wanted = rows * line_bytes;
-    if (wanted > MOST_STRIP_BYTES / planes && wanted > MOST_STRIP_SHARE * rio_file_size(file) / planes)
-        return rio_fail(file, RIO_NO_MEMORY, "getlinefromtile");
-    if (!t->strip_cache || t->strip_planes != planes || t->strip_bytes != rows * line_bytes) {
-        t->strip_bytes = rows * line_bytes;
-        mem_free(t->strip_cache);
-        t->strip_cache = (uint8_t *)mem_alloc(size_t(t->strip_bytes * planes));
-        t->strip_planes = planes;
-    }
-    if (!t->strip_cache)
-        return rio_fail(file, RIO_NO_MEMORY, "getlinefromtile");
+    if (!make_strip(file, std::min(t->tile_height, file->height), line_bytes, planes))
+        return 0;
     void *plane[MOST_PLANES];
     for (int i = 0; i < planes; i++)
         plane[i] = t->strip_cache + i * t->strip_bytes;
@@ -365,6 +342,16 @@ static int fill_strip(RFILE *file, int64_t line_bytes, int planes)
     return filled;
 }
 
+// The strip holds the present line, with lines of so many bytes.
+static int strip_ready(RFILE *file, int64_t line_bytes, int planes)
+{
+    const rio_tiles *t = file->tiles;
+    const bool held = t->strip_cache && t->strip_planes == planes && t->strip_bytes == t->strip_lines * line_bytes
+                      && t->strip_first_line >= 0 && t->strip_first_line <= file->current_line
+                      && file->current_line - t->strip_first_line < t->strip_lines;
+    return held || fill_strip(file, line_bytes, planes);
+}
+
 static bool is_bilevel(uint32_t type)
 {
     return type == RIO_TYPE_BITMAP || type == RIO_TYPE_BITMAP_RLE || type == RIO_TYPE_CCITT3 || type == RIO_TYPE_CCITT4;
@@ -377,15 +364,9 @@ int rio_getlinefromtile(RFILE *file, int count, uint8_t **lines)
     const int step = pixel_step(file);
     const int planes = step > 1 ? 1 : std::clamp<int>(file->samples_per_pixel, 1, MOST_PLANES);
     const int64_t bytes = rio_line_bytes(file) * step;
-    if (count == 1 && lines[0] && rio_gather_lines(file, 1, lines[0], bytes, false))
-        return file->width;
-    const rio_tiles *t = file->tiles;
-    const int64_t strip_bytes = std::min(t->tile_height, file->height) * bytes;
-    const bool held = t->strip_cache && t->strip_planes == planes && t->strip_bytes == strip_bytes && t->strip_first_line >= 0
-                      && t->strip_first_line <= file->current_line
-                      && file->current_line - t->strip_first_line < t->tile_height;
-    if (!held && !fill_strip(file, bytes, planes))
+    if (!strip_ready(file, bytes, planes))
         return 0;
+    const rio_tiles *t = file->tiles;
     const uint8_t *row = t->strip_cache + (file->current_line - t->strip_first_line) * bytes;
     for (int s = 0; s < std::min(count, planes); s++)
         if (lines[s])
@@ -394,6 +375,22 @@ int rio_getlinefromtile(RFILE *file, int count, uint8_t **lines)
         rio_translate_line(file, lines[0], lines[1], lines[2], file->width);
     file->current_line++;
     return file->width;
+}
+
+int rio_getlinesfromtile(RFILE *file, int count, uint8_t *rows, int64_t row_bytes, bool large)
+{
+    const int64_t bytes = rio_line_bytes(file);
+    if (!file->tiles || file->samples_per_pixel != 1 || pixel_step(file) != 1 || !strip_ready(file, bytes, 1))
+        return 0;
+    const rio_tiles *t = file->tiles;
+    const int ahead = std::min(t->strip_first_line + t->strip_lines, file->height) - file->current_line, lines = std::min(count, ahead);
+    const uint8_t *from = t->strip_cache + (file->current_line - t->strip_first_line) * bytes;
+    if (row_bytes == bytes && large)
+        rio_stream_copy(rows, from, size_t(lines * bytes));
+    else
+        copy_rows(rows, row_bytes, from, bytes, bytes, lines);
+    file->current_line += lines;
+    return lines;
 }
 
 // ---- public calls ------------------------------------------------------------------------------------------------

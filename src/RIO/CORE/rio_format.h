@@ -127,11 +127,10 @@ struct rio_tiles {
     uint8_t *strip[5];          // write side: a row of tiles for each sample
     int32_t next_line;          // write side: the line expected next
     int32_t strip_first_line;   // read side: first line of strip_cache; -1 none
-    uint8_t *strip_cache;       // read side: a row of tiles, all planes
+    int32_t strip_lines;        // read side: lines of strip_cache
+    uint8_t *strip_cache;       // read side: a row of tiles, all planes; or some lines of tiles that lie plain in the file
     int64_t strip_bytes;        // of one plane of strip_cache
     int32_t strip_planes;
-    uint8_t *gathered;          // read side: lines put together from tiles
-    int64_t gathered_room;
     void *directory;            // format's tile directory, freed with the record
 };
 
@@ -376,9 +375,9 @@ void rio_free_tiles(RFILE *file);
 int rio_tile_check(RFILE *file);                            // before a tile read. 0; 1 with the error set
 int rio_put_tile_check(RFILE *file);                        // before a tile write
 int rio_getlinefromtile(RFILE *file, int count, uint8_t **lines);   // shared Getlinefromtile slot
-// Lines gathered from the tiles where they lie, past the caches when the image is large (rio_is_large). Lines; 0 when the
-// tiles do not lie so.
-int rio_gather_lines(RFILE *file, int count, uint8_t *rows, int64_t row_bytes, bool large);
+// The next lines of a tiled file of one sample, as many as are in hand, past the caches when the image is large. Lines; 0
+// failed.
+int rio_getlinesfromtile(RFILE *file, int count, uint8_t *rows, int64_t row_bytes, bool large);
 int rio_putlinetotile(RFILE *file, int count, uint8_t **lines);
 int64_t rio_tile_row_bytes(const RFILE *file);              // of one plane as it is handed out
 
