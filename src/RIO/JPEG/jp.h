@@ -41,6 +41,10 @@ struct jpeg_state {
     // The picture at hand.
     int64_t piece_offset, piece_bytes;  // of an entered tile: place in the file and size; size 0 not known
     bool damaged;                       // could not be decoded: its lines are not tried again
+    // Lines of a tiled file: a row of tiles, each decoded whole and interleaved, one behind another.
+    uint8_t *strip;                     // owned
+    int64_t strip_room;
+    int32_t strip_row, damaged_row;     // of the tiles: the one held, one that could not be decoded; -1 none
     uint8_t *woven;                     // owned; a picture's pixels on their way between planes and driver
     int64_t woven_room;
 };
@@ -88,6 +92,8 @@ uint8_t *jpeg_weaving_room(RFILE *file, int64_t bytes);
 void jpeg_drop_pixels(jpeg_state *jpeg);
 // Another picture comes to hand: in a tiled file the tile with its piece, else the active image.
 void jpeg_enter_picture(RFILE *file, int64_t piece_offset, int64_t piece_bytes);
+// Tiles have been written, or those of another picture come: the row of tiles that is held is no longer theirs.
+void jpeg_forget_strip(RFILE *file);
 // The record's end.
 void jpeg_drop(RFILE *file);
 
@@ -99,6 +105,12 @@ void jpeg_drop(RFILE *file);
 int jpeg_get_lines(RFILE *file, int plane_count, uint8_t *const *planes);
 int jpeg_put_lines(RFILE *file, int plane_count, uint8_t *const *planes);
 
+// A decoded row of interleaved pixels to the caller's line, from pixel `at` on.
+void jpeg_give_row(const RFILE *file, const uint8_t *row, int width, int count, uint8_t *const *planes, int64_t at);
+
+// A line of a tiled file, out of its row of tiles. Colour, or gray into one plane. Pixels; 0 with the error set.
+int jpeg_get_line_of_tiles(RFILE *file, int plane_count, uint8_t *const *planes);
+bool jpeg_has_lines_of_tiles(const RFILE *file, int plane_count, uint8_t *const *planes);
 // The tile that was entered, whole: rows are of the tile's full width at its edges too. Pixels; 0 with the error set.
 int jpeg_get_tile(RFILE *file, int plane_count, uint8_t *const *planes);
 int jpeg_put_tile(RFILE *file, int plane_count, uint8_t *const *planes);

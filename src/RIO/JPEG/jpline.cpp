@@ -87,19 +87,28 @@ static void give_pixels(const uint8_t *row, int samples, int64_t width, int step
             out[step * x + s] = s < samples ? row[samples * x + s] : uint8_t{ 0 };
 }
 
-static void give_planes(const uint8_t *row, int samples, int width, int count, uint8_t *const *planes)
+static void give_planes(const uint8_t *row, int samples, int width, int count, uint8_t *const *planes, int64_t at)
 {
     if (samples == 1) {
-        std::memcpy(planes[0], row, size_t(width));
+        std::memcpy(planes[0] + at, row, size_t(width));
         return;
     }
     if (samples == 3 && count >= 3 && planes[0] && planes[1] && planes[2]) {
-        rio_split_3(row, width, planes[0], planes[1], planes[2]);
+        rio_split_3(row, width, planes[0] + at, planes[1] + at, planes[2] + at);
         return;
     }
     for (int s = 0; s < std::min(count, samples); s++)
         for (int x = 0; planes[s] && x < width; x++)
-            planes[s][x] = row[samples * x + s];
+            planes[s][at + x] = row[samples * x + s];
+}
+
+void jpeg_give_row(const RFILE *file, const uint8_t *row, int width, int count, uint8_t *const *planes, int64_t at)
+{
+    const int samples = jpeg_samples(file), step = pixel_step(file);
+    if (step && samples > 1)
+        give_pixels(row, samples, width, step, planes[0] + step * at);
+    else
+        give_planes(row, samples, width, count, planes, at);
 }
 
 int jpeg_get_lines(RFILE *file, int plane_count, uint8_t *const *planes)
@@ -115,12 +124,8 @@ int jpeg_get_lines(RFILE *file, int plane_count, uint8_t *const *planes)
     jpeg_set_direction(file, JPEG_DECOMPRESSING);
     if (file->error || !hold_line(file, file->current_line))
         return 0;
-    const int samples = jpeg_samples(file), step = pixel_step(file);
-    const uint8_t *row = jpeg->pixels + (int64_t{ file->current_line } - jpeg->first_row) * jpeg_width(file) * samples;
-    if (step && samples > 1)
-        give_pixels(row, samples, file->width, step, planes[0]);
-    else
-        give_planes(row, samples, file->width, plane_count, planes);
+    const int64_t row_bytes = int64_t{ jpeg_width(file) } * jpeg_samples(file);
+    jpeg_give_row(file, jpeg->pixels + (file->current_line - jpeg->first_row) * row_bytes, file->width, plane_count, planes, 0);
     return file->width;
 }
 

@@ -1,6 +1,7 @@
 // jptile.cpp - tiles of JPEG data: each is a piece of its own and always whole, at the picture's edges too.
 #include "RIO/JPEG/jp.h"
 #include "RIO/NATV/ntv.h"
+#include <algorithm>
 #include <cstring>
 
 static int64_t tile_pixels(const RFILE *file) { return int64_t{ jpeg_width(file) } * jpeg_height(file); }
@@ -38,6 +39,108 @@ int jpeg_get_tile(RFILE *file, int plane_count, uint8_t *const *planes)
     const int done = padded ? get_padded(file, planes[0]) : jpeg_decompress(file, plane_count, planes) == 0;
     return done ? int(tile_pixels(file)) : 0;
 }
+
+// ---- lines through a row of tiles ------------------------------------------------------------------------------------
+
+// A row of tiles takes no more memory than the first, or than so many times the file's size.
+static constexpr int64_t MOST_STRIP_BYTES = int64_t{ 1 } << 28, MOST_STRIP_SHARE = 512;
+
+static int strip_room(RFILE *file, int64_t bytes)
+{
+    jpeg_state *jpeg = file->jpeg;
+    if (jpeg->strip_room >= bytes)
+        return 1;
+    mem_free(jpeg->strip);
+    jpeg->strip_room = 0;
+    const bool sane = bytes <= MOST_STRIP_BYTES || bytes <= MOST_STRIP_SHARE * rio_file_size(file);
+    jpeg->strip = sane ? (uint8_t *)mem_alloc(size_t(bytes)) : nullptr;
+    if (!jpeg->strip)
+        return rio_fail(file, RIO_NO_MEMORY, "jptile");
+    jpeg->strip_room = bytes;
+    return 1;
+}
+
+// Red is in bits 16 to 23 of a solid tile's level; gray is all of it.
+static void fill_solid(const RFILE *file, uint32_t level, uint8_t *out)
+{
+    const int samples = jpeg_samples(file);
+    const int64_t bytes = tile_pixels(file) * samples;
+    if (samples == 1) {
+        std::memset(out, int(level & 0xFF), size_t(bytes));
+        return;
+    }
+    for (int64_t i = 0; i < bytes; i++)
+        out[i] = uint8_t(level >> (16 - 8 * (i % samples)));
+}
+
+static int decode_tile(RFILE *file, int64_t tile, uint8_t *out)
+{
+    const natv_entry entry = natv_get_entry(file, tile);
+    if (entry.offset == 0) {
+        fill_solid(file, entry.used, out);
+        return 1;
+    }
+    const natv_tile outside = natv_enter_tile(file, tile);
+    natv_start_tile(file, entry);
+    const int done = jpeg_read_coded(file) == 0 && jpeg_decompress_rows(file, 0, jpeg_height(file), out) == 0;
+    natv_leave_tile(file, outside);
+    return done;
+}
+
+// Lines of a damaged row are not tried again one by one.
+static int fail_row(RFILE *file, int row)
+{
+    if (file->error == RIO_NO_MEMORY)
+        return 0;
+    file->jpeg->damaged_row = row;
+    return rio_fail(file, RIO_READ_FAILED, "jptile");
+}
+
+static int hold_row(RFILE *file, int row)
+{
+    jpeg_state *jpeg = file->jpeg;
+    if (jpeg->strip_row == row)
+        return 1;
+    if (jpeg->damaged_row == row)
+        return rio_fail(file, RIO_READ_FAILED, "jptile");
+    const int across = file->tiles->tiles_across;
+    const int64_t tile_bytes = tile_pixels(file) * jpeg_samples(file);
+    jpeg->strip_row = -1;
+    if (!strip_room(file, tile_bytes * across))
+        return 0;
+    for (int column = 0; column < across; column++)
+        if (!decode_tile(file, int64_t{ row } * across + column, jpeg->strip + tile_bytes * column))
+            return fail_row(file, row);
+    jpeg->strip_row = row;
+    return 1;
+}
+
+bool jpeg_has_lines_of_tiles(const RFILE *file, int plane_count, uint8_t *const *planes)
+{
+    if (!natv_is_jpeg(file->data_type) || !file->tiles || !file->tiles->directory || !planes[0])
+        return false;
+    return file->data_type == RIO_TYPE_JPEG_RGB || (file->data_type == RIO_TYPE_JPEG && plane_count == 1);
+}
+
+int jpeg_get_line_of_tiles(RFILE *file, int plane_count, uint8_t *const *planes)
+{
+    if (!file->jpeg && jpeg_check_open(file) != 0)
+        return 0;
+    keep_board(file);
+    jpeg_set_direction(file, JPEG_DECOMPRESSING);
+    const rio_tiles *t = file->tiles;
+    if (file->error || !hold_row(file, file->current_line / t->tile_height))
+        return 0;
+    const int samples = jpeg_samples(file);
+    const int64_t tile_bytes = tile_pixels(file) * samples;
+    const uint8_t *row = file->jpeg->strip + int64_t{ file->current_line % t->tile_height } * t->tile_width * samples;
+    for (int64_t left = 0; left < file->width; left += t->tile_width, row += tile_bytes)
+        jpeg_give_row(file, row, int(std::min<int64_t>(t->tile_width, file->width - left)), plane_count, planes, left);
+    file->current_line++;
+    return file->width;
+}
+
+// ---- tiles that are written ------------------------------------------------------------------------------------------
 
 // The last pixels of an edge tile go on to its end: what lies outside the picture would else be seen in it.
 static void extend(const uint8_t *in, uint8_t *out, int width, int height, int live_width, int live_height)

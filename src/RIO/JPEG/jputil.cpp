@@ -34,6 +34,12 @@ void jpeg_drop_pixels(jpeg_state *jpeg)
     jpeg->disordered = false;
 }
 
+void jpeg_forget_strip(RFILE *file)
+{
+    if (file->jpeg)
+        file->jpeg->strip_row = file->jpeg->damaged_row = -1;
+}
+
 void jpeg_enter_picture(RFILE *file, int64_t piece_offset, int64_t piece_bytes)
 {
     jpeg_state *jpeg = file->jpeg;
@@ -133,6 +139,7 @@ static void free_record(RFILE *file)
     jpeg_state *jpeg = file->jpeg;
     mem_free(jpeg->coded);
     mem_free(jpeg->pixels);
+    mem_free(jpeg->strip);
     mem_free(jpeg->woven);
     mem_free(jpeg);
     file->jpeg = nullptr;
@@ -162,6 +169,7 @@ static int find_record(RFILE *file)
     file->jpeg = (jpeg_state *)mem_calloc(1, sizeof(jpeg_state));
     if (!file->jpeg)
         return rio_fail(file, RIO_NO_MEMORY, "error mallocing jpeg specs");
+    jpeg_forget_strip(file);
     file->jpeg_release = release;
     return 1;
 }

@@ -1,4 +1,5 @@
 // ntvdir.cpp - the tile directory: 128 bytes of head and 12 bytes a tile, at the start of the image's or overview's data.
+#include "RIO/JPEG/jp.h"
 #include "RIO/NATV/ntv.h"
 #include <algorithm>
 #include <cstring>
@@ -40,6 +41,7 @@ void natv_set_entry(RFILE *file, int64_t tile, natv_entry entry)
     put_le_u32(p + 8, entry.used);
     file->flags |= RIO_TILES_DIRTY;
     file->tiles->strip_first_line = -1;     // lines read before are of the old tile
+    jpeg_forget_strip(file);
 }
 
 void natv_drop_tiles(RFILE *file)

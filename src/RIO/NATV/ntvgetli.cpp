@@ -228,6 +228,10 @@ int natv_getline(RFILE *file, int count, uint8_t **lines)
 {
     if (rio_read_check(file) != 0)
         return 0;
-    return file->flags & RIO_SQUETCH ? rio_squetch_getline(file, count, lines)
-           : file->flags & RIO_TILED ? rio_getlinefromtile(file, count, lines) : natv_get_line(file, count, lines);
+    if (file->flags & RIO_SQUETCH)
+        return rio_squetch_getline(file, count, lines);
+    if (!(file->flags & RIO_TILED))
+        return natv_get_line(file, count, lines);
+    return jpeg_has_lines_of_tiles(file, count, lines) ? jpeg_get_line_of_tiles(file, count, lines)
+                                                       : rio_getlinefromtile(file, count, lines);
 }

@@ -218,6 +218,7 @@ static int start_jpeg(RFILE *file)
     const bool is_jpeg = natv_is_jpeg(file->data_type);
     file->flags = is_jpeg ? file->flags | RIO_JPEG : file->flags & ~uint32_t(RIO_JPEG);
     jpeg_enter_picture(file, 0, 0);
+    jpeg_forget_strip(file);
     return !is_jpeg || file->jpeg || jpeg_check_open(file) == 0;
 }
 

@@ -93,6 +93,48 @@ TEST_F(JpegTiles, LinesInAnyOrderAndTilesByThemselvesAgree)
     }
 }
 
+TEST_F(JpegTiles, ADamagedTileFailsTheLinesOfItsRow)
+{
+    const test_picture p = make_picture(70, 96, 3);
+    bytes disk = jpeg_file(p, { 31, 8, 32 });
+    const bytes whole = pixels_of(disk, 3);
+    // The second tile of the second row: near its end, behind its tables, stands a marker that has no place there.
+    const uint8_t *entry = &disk[1536 + 128 + 12 * 4];
+    const size_t at = 1536 + le_u32(entry) + le_u32(entry + 8) * 7 / 8;
+    disk[at] = 0xFF;
+    disk[at + 1] = 0xD8;
+    memory_file memory(disk);
+    RFILE *file = memory.open_r();
+    ASSERT_TRUE(file);
+    for (int y = 0; y < 96; y++) {
+        EXPECT_EQ(rio_seek(file, y), 0);
+        const bytes line = next_pixels(file, 3);
+        if (y / 32 == 1) {
+            EXPECT_TRUE(line.empty()) << y;
+            EXPECT_EQ(rio_errno, RIO_READ_FAILED);
+        } else {
+            EXPECT_EQ(line, bytes(&whole[size_t(y) * 210], &whole[size_t(y) * 210] + 210)) << y;
+        }
+    }
+    rio_close(file);
+}
+
+TEST_F(JpegTiles, LinesShowSolidTiles)
+{
+    memory_file memory(60000);
+    RFILE *file = new_jpeg(memory, 64, 32, { 31, 5, 32 });
+    const int32_t level = 0x203040;
+    bytes tile(1024, 99);
+    const void *planes[3] = { tile.data(), tile.data(), tile.data() };
+    EXPECT_EQ(rio_puttile(file, 3, planes, nullptr), 0);
+    EXPECT_EQ(rio_puttile(file, 3, planes, &level), 0);
+    rio_close(file);
+    const bytes pixels = pixels_of(written(memory), 3);
+    EXPECT_NEAR(pixels[31 * 3], 99, 1);
+    EXPECT_EQ(bytes(&pixels[32 * 3], &pixels[32 * 3] + 3), (bytes { 0x20, 0x30, 0x40 }));
+    EXPECT_EQ(bytes(pixels.end() - 3, pixels.end()), (bytes { 0x20, 0x30, 0x40 }));
+}
+
 TEST_F(JpegTiles, InterleavedLinesInThreeAndFourBytes)
 {
     const int width = 40;
