@@ -4,6 +4,9 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
+
+#include <sys/mman.h>
 
 #include "display/geometry.h"
 #include "display/picture_windows.h"
@@ -49,16 +52,52 @@ int alloc_tables(band_rec &band)
     return 1;
 }
 
+// Pixels of bands that were freed, for the next picture: the system takes longer to hand out fresh pages than to copy a
+// picture into them. It may have their pages back when memory is short, and they are cleared on their way out.
+struct kept_block {
+    uint8_t *data;
+    uint32_t bytes;
+};
+kept_block kept[3];
+
+void keep_or_free(uint8_t *data, uint32_t bytes)
+{
+    kept_block *smallest = std::min_element(std::begin(kept), std::end(kept), [](auto &a, auto &b) { return a.bytes < b.bytes; });
+    if (!data || bytes < MEM_LARGE_BLOCK || bytes <= smallest->bytes) {
+        mem_free(data);
+        return;
+    }
+    mem_free(smallest->data);
+    *smallest = { data, bytes };
+    constexpr uintptr_t PAGE = 4096;
+    madvise((void *)((uintptr_t(data) + PAGE - 1) & ~(PAGE - 1)), bytes - PAGE, MADV_FREE);
+}
+
+// A kept block that is not much larger than what is asked for; null when there is none.
+uint8_t *take_kept(uint32_t bytes)
+{
+    for (kept_block &block : kept)
+        if (block.bytes >= bytes && block.bytes / 2 <= bytes) {
+            uint8_t *data = block.data;
+            block = {};
+            memset(data, 0, bytes);
+            return data;
+        }
+    return nullptr;
+}
+
 // Fresh memory is zero, so that the missing tail of a short file need not be touched.
 int grow_data(band_rec &band, uint32_t bytes)
 {
     if (band.alloc_bytes > 1)
-        mem_free(band.data);
+        keep_or_free(band.data, band.alloc_bytes);
     band.data = nullptr;
     band.alloc_bytes = bytes;
     if (bytes <= 1)
         return 1;
-    band.data = (uint8_t *)mem_calloc(bytes, 1);
+    band.data = take_kept(bytes);
+    if (!band.data)
+        band.data = (uint8_t *)mem_calloc(bytes, 1);
     if (band.data)
         return 1;
     band.alloc_bytes = 0;
@@ -144,7 +183,7 @@ void band_free(int n)
     band_rec &band = bands[n];
     if (band.alloc_bytes == 0)
         return;
-    mem_free(band.data);
+    keep_or_free(band.data, band.alloc_bytes);
     mem_free(band.undo_data);
     mem_free(band.hist_mapped);
     mem_free(band.aux_buffer);

@@ -40,6 +40,22 @@ TEST_F(Bands, ASmallerImageKeepsTheLargerBuffer)
     EXPECT_EQ(bands[n].data, data);
 }
 
+TEST_F(Bands, TheMemoryOfALargeBandServesTheNextOneClear)
+{
+    const int n = create(3000, 2000, KIND_COT);
+    uint8_t *data = bands[n].data;
+    memset(data, 7, 6000000);
+    band_free(n);
+    const int small = create(1000, 1000, KIND_COT);         // would waste more than it takes
+    EXPECT_NE(bands[small].data, data);
+    const int next = create(2999, 1999, KIND_COT);
+    EXPECT_EQ(bands[next].data, data);
+    EXPECT_EQ(bands[next].alloc_bytes, 2999u * 1999u);
+    for (int i = 0; i < 2999 * 1999; i++)
+        ASSERT_EQ(data[i], 0) << i;
+    msg_clear(MSG_KEYIN);
+}
+
 TEST_F(Bands, TheTablesLieInOneBlockAndStartPlain)
 {
     const int n = create(8, 8, KIND_COT);
