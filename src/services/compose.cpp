@@ -3,6 +3,7 @@
 #include "services/compose.h"
 #include "services/decorations.h"
 #include "services/pixel_store.h"
+#include "services/slot_rows.h"
 #include <algorithm>
 #include <cstring>
 
@@ -128,7 +129,7 @@ static uint32_t *picture_at(int x, int y)
     return ws_state.picture + int64_t{y + ws_menu_height()} * ws_state.display.width + x;
 }
 
-template <typename slot> static void look_up_row(const slot *slots, uint32_t *out, int count)
+static void look_up_wide_row(const uint16_t *slots, uint32_t *out, int count)
 {
     const uint32_t *const colours = ws_state.colours;
     for (int x = 0; x < count; x++)
@@ -147,10 +148,10 @@ static void paint_pixels(const window_record &window, const ws_rect &area)
         uint32_t *const out = picture_at(area.x0, y);
         switch (window.store.format) {
         case PIXELS_SLOT8:
-            look_up_row(row, out, count);
+            look_up_slot_row(row, out, count, ws_state.colours);
             break;
         case PIXELS_SLOT16:
-            look_up_row((const uint16_t *)row, out, count);
+            look_up_wide_row((const uint16_t *)row, out, count);
             break;
         case PIXELS_RGB:
             memcpy(out, row, size_t(count) * sizeof(uint32_t));
