@@ -143,15 +143,19 @@ int transpose_in_strips(strip_transposer transpose_strip, const uint8_t *src, ui
         transpose_block(src + int64_t{from} * cols + c, cols, dst + int64_t{c} * rows + from, rows, to - from, cols - c);
     };
     int top = -into_line(dst) & (LINE - 1), shown = 0;
+    const auto show_blocks_before = [&](int row) {
+        for (; shown < row; shown += TILE)
+            show_row(shown, rows);
+    };
     block(0, top, 0);
     for (; top + STRIP_ROWS <= rows; top += STRIP_ROWS) {
-        for (; shown <= top; shown += TILE)
-            show_row(shown, rows);
+        show_blocks_before(top + STRIP_ROWS);
         if (aborted())
             return -4;
         transpose_strip(src + int64_t{top} * cols, cols, dst + top, rows, strip_cols);
         block(top, top + STRIP_ROWS, strip_cols);
     }
+    show_blocks_before(rows);
     block(top, rows, 0);
     put_rows_done();
     return 0;
