@@ -98,22 +98,30 @@ bool store_shape(pixel_store &store, pixel_format format, int width, int height,
     return true;
 }
 
+template <typename pixel> static void fill_rows(const pixel_store &store, const ws_rect &area, pixel value)
+{
+    const int width = area.x1 - area.x0 + 1;
+    pixel *row = (pixel *)store_at(store, area.x0, area.y0);
+    for (int y = area.y0; y <= area.y1; y++, row += store.width) {
+        if (width == 1)                // the bars of histograms
+            *row = value;
+        else
+            std::fill_n(row, width, value);
+    }
+}
+
 void store_fill(const pixel_store &store, const ws_rect &area, uint32_t value)
 {
-    const size_t width = size_t(area.x1 - area.x0 + 1);
-    for (int y = area.y0; y <= area.y1; y++) {
-        uint8_t *const row = store_at(store, area.x0, y);
-        switch (store.format) {
-        case PIXELS_SLOT8:
-            memset(row, int(value & 255), width);
-            break;
-        case PIXELS_SLOT16:
-            std::fill_n((uint16_t *)row, width, uint16_t(value));
-            break;
-        case PIXELS_RGB:
-            std::fill_n((uint32_t *)row, width, value);
-            break;
-        }
+    switch (store.format) {
+    case PIXELS_SLOT8:
+        fill_rows(store, area, uint8_t(value));
+        break;
+    case PIXELS_SLOT16:
+        fill_rows(store, area, uint16_t(value));
+        break;
+    case PIXELS_RGB:
+        fill_rows(store, area, value);
+        break;
     }
 }
 
