@@ -36,11 +36,11 @@ int stopped_at_row(int row, int rows)
     return abort_check();
 }
 
-void put_computed_row(uint8_t *out, uint8_t *row, int r, int rows, int cols, const computed_area &computed)
+void fill_margins(uint8_t *out, int r, int cols, const computed_area &computed)
 {
+    uint8_t *const row = out + int64_t{r} * cols;
     memset(row + computed.c1 + 1, row[computed.c1], size_t(cols - computed.c1 - 1));
     memset(row, row[computed.c0], size_t(computed.c0));
-    put_row(out + size_t(r) * size_t(cols), row, size_t(cols), int64_t{rows} * cols);
 }
 
 void fill_borders(uint8_t *out, int rows, int cols, const computed_area &computed)

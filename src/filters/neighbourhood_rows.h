@@ -40,7 +40,7 @@ inline uint8_t clamp_level(int64_t sum)
 struct computed_area {
     int r0, c0, r1, c1;
 };
-// A computed row, in `row` from column c0 on, gets its margins and goes to its place. Rows come from r0 to r1.
-void put_computed_row(uint8_t *out, uint8_t *row, int r, int rows, int cols, const computed_area &computed);
+// Margins of row r, whose columns c0 to c1 have been computed.
+void fill_margins(uint8_t *out, int r, int cols, const computed_area &computed);
 // The rows above and below; the last step.
 void fill_borders(uint8_t *out, int rows, int cols, const computed_area &computed);

@@ -69,7 +69,7 @@ inline __attribute__((always_inline)) void mean_of(uint8_t *__restrict out, cons
     }
 }
 
-void mean(uint8_t *out, const uint16_t *sums, int cols, int width, const small_mean &how)
+void mean(uint8_t *out, const uint16_t *sums, int cols, int width, const small_mean &how, bool)
 {
     const int count = cols - width + 1;
     switch (width) {

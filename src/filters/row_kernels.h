@@ -19,7 +19,6 @@ struct small_mean {
 };
 
 constexpr int SMALL_WIDTH = 9;         // columns of a kernel that `mean` takes
-constexpr int MEAN_OVERRUN = 64;       // bytes that `mean` may write behind the last one
 
 struct row_kernels {
     // The three samples that count +1 and the three that count -1 of column 0.
@@ -31,7 +30,7 @@ struct row_kernels {
     // Sums over rows, one a column, in an order of the set's own: `sums` are sums_count(cols) of them, zero at first.
     void (*next_sums)(uint16_t *sums, const uint8_t *entering, const uint8_t *leaving, int cols);
     // Means over `width` columns of sums, cols - width + 1 of them.
-    void (*mean)(uint8_t *out, const uint16_t *sums, int cols, int width, const small_mean &how);
+    void (*mean)(uint8_t *out, const uint16_t *sums, int cols, int width, const small_mean &how, bool past_caches);
 };
 
 inline int64_t sums_count(int cols)

@@ -207,49 +207,76 @@ VECTOR void next_sums(uint16_t *memory, const uint8_t *entering, const uint8_t *
     next_vector(sums, c / 2, load(rest[0]), load(rest[1]));
 }
 
-VECTOR inline vec mean_of(vec total, const small_mean &how)
-{
-    return shift_right_by(high_product(add16(total, all16(how.half)), all16(how.factor)), how.shift);
-}
-
 // A kernel that starts at an even column covers whole pairs and, when its width is odd, one even column more; one that starts at an
 // odd column covers that, whole pairs, and when its width is even one even column.
 template <int WIDTH>
-VECTOR inline void mean_row(uint8_t *out, const column_sums &sums, int count, const small_mean &how)
-{
-    constexpr int PAIRS = WIDTH / 2;
-    for (int c = 0; c < count; c += LANES) {
-        const int i = c / 2;
-        vec inner = zero();
-        for (int k = 1; k < PAIRS; k++)
-            inner = add16(inner, load(sums.both + i + k));
-        vec even = inner, odd = add16(inner, load(sums.odd + i));
-        if (PAIRS > 0)
-            even = add16(even, load(sums.both + i));
-        if (WIDTH % 2 == 1)
-            even = add16(even, load(sums.even + i + PAIRS));
-        if (WIDTH % 2 == 0)
-            odd = add16(odd, load(sums.even + i + PAIRS));
-        else if (PAIRS > 0)
-            odd = add16(odd, load(sums.both + i + PAIRS));
-        store(out + c, bits_or(mean_of(even, how), shift_left<8>(mean_of(odd, how))));
+struct mean_pixels {
+    static constexpr int PAIRS = WIDTH / 2;
+    column_sums sums;
+    vec half, factor;
+    int shift;
+
+    VECTOR vec both(int i) const { return load(sums.both + i); }
+    VECTOR vec even(int i) const { return load(sums.even + i); }
+    VECTOR vec mean(vec total) const { return shift_right_by(high_product(add16(total, half), factor), shift); }
+    // Of the pairs that the kernels at column 2 i and at the two after it share, to the totals of the one and of the others.
+    VECTOR vec from_even(vec shared, int i) const
+    {
+        const vec pairs = PAIRS > 0 ? add16(shared, both(i)) : shared;
+        return WIDTH % 2 == 1 ? add16(pairs, even(i + PAIRS)) : pairs;
     }
+    VECTOR vec from_odd(vec shared, int i) const
+    {
+        const vec pairs = add16(shared, load(sums.odd + i));
+        return WIDTH % 2 == 0 ? add16(pairs, even(i + PAIRS)) : PAIRS > 0 ? add16(pairs, both(i + PAIRS)) : pairs;
+    }
+    VECTOR vec from_next_even(vec shared, int i) const
+    {
+        const vec pairs = PAIRS > 0 ? add16(shared, both(i + PAIRS)) : shared;
+        return WIDTH % 2 == 1 ? add16(pairs, even(i + 1 + PAIRS)) : pairs;
+    }
+    VECTOR vec operator()(int c) const
+    {
+        const int i = c / 2;
+        vec shared = zero();
+        for (int k = 1; k < PAIRS; k++)
+            shared = add16(shared, both(i + k));
+        const vec odd = mean(from_odd(shared, i));
+        if (c % 2 == 0)
+            return bits_or(mean(from_even(shared, i)), shift_left<8>(odd));
+        return bits_or(odd, shift_left<8>(mean(from_next_even(shared, i))));
+    }
+};
+
+// Sums reach further than the row: a short one is computed in whole vectors beside it.
+template <int WIDTH>
+VECTOR inline void mean_row(uint8_t *out, const column_sums &sums, int count, const small_mean &how, bool past_caches)
+{
+    const mean_pixels<WIDTH> pixels = { sums, all16(how.half), all16(how.factor), how.shift };
+    if (count >= ROW_MIN) {
+        put_pixels(out, count, past_caches, pixels);
+        return;
+    }
+    uint8_t row[ROW_MIN];
+    for (int c = 0; c < count; c += LANES)
+        store(row + c, pixels(c));
+    memcpy(out, row, size_t(count));
 }
 
-VECTOR void mean(uint8_t *out, const uint16_t *memory, int cols, int width, const small_mean &how)
+VECTOR void mean(uint8_t *out, const uint16_t *memory, int cols, int width, const small_mean &how, bool past_caches)
 {
     const column_sums sums = parts_of(memory, cols);
     const int count = cols - width + 1;
     switch (width) {
-    case 1: mean_row<1>(out, sums, count, how); break;
-    case 2: mean_row<2>(out, sums, count, how); break;
-    case 3: mean_row<3>(out, sums, count, how); break;
-    case 4: mean_row<4>(out, sums, count, how); break;
-    case 5: mean_row<5>(out, sums, count, how); break;
-    case 6: mean_row<6>(out, sums, count, how); break;
-    case 7: mean_row<7>(out, sums, count, how); break;
-    case 8: mean_row<8>(out, sums, count, how); break;
-    default: mean_row<9>(out, sums, count, how); break;
+    case 1: mean_row<1>(out, sums, count, how, past_caches); break;
+    case 2: mean_row<2>(out, sums, count, how, past_caches); break;
+    case 3: mean_row<3>(out, sums, count, how, past_caches); break;
+    case 4: mean_row<4>(out, sums, count, how, past_caches); break;
+    case 5: mean_row<5>(out, sums, count, how, past_caches); break;
+    case 6: mean_row<6>(out, sums, count, how, past_caches); break;
+    case 7: mean_row<7>(out, sums, count, how, past_caches); break;
+    case 8: mean_row<8>(out, sums, count, how, past_caches); break;
+    default: mean_row<9>(out, sums, count, how, past_caches); break;
     }
 }
 

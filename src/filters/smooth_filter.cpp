@@ -2,6 +2,7 @@
 // the sample that enters at the bottom and loses the one that leaves at the top, so that the cost does not grow with the kernel's height.
 #include "filters/neighbourhood_rows.h"
 #include "filters/row_kernels.h"
+#include "filters/row_output.h"
 
 #include <algorithm>
 #include <bit>
@@ -43,7 +44,7 @@ struct smoothing {
     const uint8_t *nothing;            // a row of zeros
 };
 
-// Row i of the kernel's places, the sums being those of the rows before.
+// Row i of the kernel's places, from the first column that is computed on; the sums are those of the rows before.
 typedef void (*smooth_row)(const smoothing &s, int i, void *sums, uint8_t *out);
 
 void small_row(const smoothing &s, int i, void *memory, uint8_t *out)
@@ -56,7 +57,8 @@ void small_row(const smoothing &s, int i, void *memory, uint8_t *out)
             kernels.next_sums(sums, s.in + size_t(r) * width, s.nothing, s.cols);
     else
         kernels.next_sums(sums, s.in + size_t(i + s.kernel_rows - 1) * width, s.in + size_t(i - 1) * width, s.cols);
-    kernels.mean(out + s.kernel_cols / 2, sums, s.cols, s.kernel_cols, small_mean_of(s.kernel_rows * s.kernel_cols));
+    const bool past_caches = int64_t{s.rows} * s.cols >= STREAM_FROM;
+    kernels.mean(out, sums, s.cols, s.kernel_cols, small_mean_of(s.kernel_rows * s.kernel_cols), past_caches);
 }
 
 void large_row(const smoothing &s, int i, void *memory, uint8_t *out)
@@ -73,7 +75,7 @@ void large_row(const smoothing &s, int i, void *memory, uint8_t *out)
         for (size_t c = 0; c < width; c++)
             sums[c] = sums[c] + bottom[c] - leaving[c];
     }
-    mean_large_row(out + s.kernel_cols / 2, sums, s.cols - s.kernel_cols + 1, s.kernel_cols,
+    mean_large_row(out, sums, s.cols - s.kernel_cols + 1, s.kernel_cols,
                    uint64_t(s.kernel_rows) * uint64_t(s.kernel_cols));
 }
 
@@ -88,11 +90,10 @@ int smooth_filter(const uint8_t *in, uint8_t *out, int rows, int cols, int kerne
     const mem_ptr<int16_t> sums(told_of_memory(mem_calloc(size_t(sums_count(cols)), sizeof(uint64_t))));
     if (!sums)
         return FILTER_NO_MEMORY;
-    const mem_ptr<int16_t> scratch(told_of_memory(mem_calloc(2, size_t(cols) + MEAN_OVERRUN)));
-    if (!scratch)
+    const mem_ptr<int16_t> nothing(told_of_memory(mem_calloc(size_t(cols), 1)));
+    if (!nothing)
         return FILTER_NO_SCRATCH;
-    uint8_t *const row = (uint8_t *)scratch.get();
-    const smoothing s = { in, rows, cols, kernel_rows, kernel_cols, row + cols + MEAN_OVERRUN };
+    const smoothing s = { in, rows, cols, kernel_rows, kernel_cols, (const uint8_t *)nothing.get() };
     const int64_t area = int64_t{kernel_rows} * kernel_cols;
     const bool small = kernel_cols <= SMALL_WIDTH && area >= SMALL_AREA_MIN && area <= SMALL_AREA_MAX;
     const smooth_row do_row = small ? small_row : large_row;
@@ -101,8 +102,8 @@ int smooth_filter(const uint8_t *in, uint8_t *out, int rows, int cols, int kerne
     for (int i = 0; i <= rows - kernel_rows; i++) {
         if (stopped_at_row(i + down, rows))
             return FILTER_STOPPED;
-        do_row(s, i, sums.get(), row);
-        put_computed_row(out, row, i + down, rows, cols, computed);
+        do_row(s, i, sums.get(), out + int64_t{i + down} * cols + right);
+        fill_margins(out, i + down, cols, computed);
     }
     fill_borders(out, rows, cols, computed);
     msg_clear(MSG_KEYIN);
