@@ -267,17 +267,17 @@ int copy_begin(RFILE *in, const copy_wish &wish, copy_plan *plan, copy_failure *
     return 1;
 }
 
-int copy_run(const copy_plan &plan, RFILE *out, void (*shown)(int64_t done, int64_t all), copy_failure *why)
+int copy_run(copy_plan *begun, RFILE *out, void (*shown)(int64_t done, int64_t all), copy_failure *why)
 {
+    const copy_plan &plan = *begun;
     copy_lines lines = plan.lines;
     lines.out = out;
     if (!set_header(out, plan))
         return fail_output(why);
     if (!settle_orientation(out, plan.orientation, &lines))
         return fail(why, true, "the format has no images that lie in columns");
-    mem_ptr<uint8_t> packets;
     const bool whole = is_whole(lines, lines.in) && !lines.mirrored && !lines.upside_down;
-    if (!carry_header(lines.in, out, whole, &packets))
+    if (!carry_header(lines.in, out, whole, &begun->packets))
         return fail(why, false, failure_text(rio_errno ? rio_errno : uint32_t{ RIO_NO_MEMORY }));
     if (rio_write_header(out) != 0)
         return fail_output(why);

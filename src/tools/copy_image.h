@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "RIO/rio.h"
+#include "mem.h"
 #include "tools/copy_form.h"
 #include "tools/copy_lines.h"
 
@@ -33,10 +34,11 @@ struct copy_plan {
     bool carry_overviews;              // they are copied from the source's, not made anew
     bool table;                        // the colours go along
     rio_vlt_entry colours[RIO_VLT_SIZE];
+    mem_ptr<uint8_t> packets;          // carried along; some formats write them when they are closed
 };
 
 // Chooses the image and the form, and checks the area. 1; 0 with the reason.
 int copy_begin(RFILE *in, const copy_wish &wish, copy_plan *plan, copy_failure *why);
 // Writes header, lines and overviews to a file that is open for writing. `shown` is told the lines done, and all there are. 1;
-// 0 with the reason, and what is written is no good.
-int copy_run(const copy_plan &plan, RFILE *out, void (*shown)(int64_t done, int64_t all), copy_failure *why);
+// 0 with the reason, and what is written is no good. The plan stays until the file is closed.
+int copy_run(copy_plan *plan, RFILE *out, void (*shown)(int64_t done, int64_t all), copy_failure *why);

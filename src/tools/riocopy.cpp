@@ -192,7 +192,7 @@ static int say(const options &wanted, const copy_failure &why)
     return fail(why.of_output ? wanted.output : wanted.input, why.reason);
 }
 
-static int write_open_target(const copy_plan &plan, const options &wanted)
+static int write_open_target(copy_plan *plan, const options &wanted)
 {
     RFILE *out = rio_open_w(target.part);
     if (!out)
@@ -207,7 +207,7 @@ static int write_open_target(const copy_plan &plan, const options &wanted)
     return status;
 }
 
-static int write_target(const copy_plan &plan, const options &wanted)
+static int write_target(copy_plan *plan, const options &wanted)
 {
     if (!begin_target(wanted.output))
         return fail(wanted.output, strerror(errno));
@@ -232,7 +232,7 @@ static int copy_file(options *wanted)
         wanted->wish.format = format_of_file_name(wanted->output);
     copy_plan plan;
     copy_failure why = {};
-    const int status = copy_begin(in, wanted->wish, &plan, &why) ? write_target(plan, *wanted) : say(*wanted, why);
+    const int status = copy_begin(in, wanted->wish, &plan, &why) ? write_target(&plan, *wanted) : say(*wanted, why);
     rio_close(in);
     return status;
 }

@@ -40,7 +40,7 @@ static void copy_once(RFILE *in, const copy_wish &wish)
     RFILE *out = rio_open_w(rio_memory_name(&held, name));
     if (!out)
         return;
-    if (!copy_run(plan, out, nothing_shown, &why) && !why.reason[0])
+    if (!copy_run(&plan, out, nothing_shown, &why) && !why.reason[0])
         abort();                        // a copy that fails says why
     rio_close(out);
 }
