@@ -15,7 +15,7 @@
 // 8 bits take a byte each, wider ones their own width in the machine's order. Bilevel lines are 16 pixels to a
 // uint16_t, leftmost pixel in the most significant bit, rows padded to a whole word.
 //
-// The library keeps no state but the records, rio_errno, rio_debug, rio_path_resolver and rio_jpeg_driver.
+// State besides the records: rio_errno, rio_debug, rio_path_resolver, rio_jpeg_driver; a SIGBUS handler (RIO/CORE/view_guard.h).
 #pragma once
 #include "codec_driver.h"
 #include <cstdint>
