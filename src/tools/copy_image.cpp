@@ -132,8 +132,7 @@ void settle_overviews(RFILE *in, copy_plan *plan)
 bool set_header(RFILE *out, const copy_plan &plan)
 {
     const copy_form &form = plan.form;
-    bool good = set_key(out, RIO_KEY_FORMAT, form.format) && set_key(out, RIO_KEY_DATA_TYPE, form.type)
-                && set_key(out, RIO_KEY_WIDTH, copied_columns(plan.lines)) && set_key(out, RIO_KEY_HEIGHT, copied_rows(plan.lines));
+    bool good = set_key(out, RIO_KEY_FORMAT, form.format) && set_key(out, RIO_KEY_DATA_TYPE, form.type);
     if (good && form.compression >= 0)
         good = set_key(out, KEY_COMPRESSION, form.compression);
     if (good && form.format == RIO_FORMAT_TIFF && form.samples == COPY_BITS)
@@ -150,16 +149,17 @@ bool set_header(RFILE *out, const copy_plan &plan)
     return good;
 }
 
-// Lines that run another way in the new format are turned. 0 when rows would have to become columns.
+// Lines that run another way in the new format are turned.
 int settle_orientation(RFILE *out, int orientation, copy_lines *lines)
 {
     set_key(out, RIO_KEY_ORIENTATION, orientation);
     const int turned = (key(out, RIO_KEY_ORIENTATION) & 7) ^ orientation;
     lines->mirrored = turned & 1;
     lines->upside_down = turned & 2;
-    if (lines->upside_down)
+    lines->transposed = turned & 4;
+    if (lines->upside_down && !lines->transposed)
         rio_randomize(lines->in);
-    return !(turned & 4);
+    return set_key(out, RIO_KEY_WIDTH, copied_columns(*lines)) && set_key(out, RIO_KEY_HEIGHT, copied_rows(*lines));
 }
 
 // --- lines -----------------------------------------------------------------------------------------------------------------
@@ -220,7 +220,7 @@ int copy_overviews(const copy_plan &plan, const copy_lines &base, copy_course *c
     for (int n = 0; n < plan.overviews; n++) {
         if (plan.carry_overviews && rio_set_active_ov(base.in, n) != 0)
             return fail(why, false, failure_text(rio_errno));
-        if (base.upside_down)
+        if (base.upside_down && !base.transposed)
             rio_randomize(base.in);
         const copy_lines overview = lines_of_overview(plan, base, n);
         if (!begin_overview(plan, overview, n))
@@ -272,11 +272,9 @@ int copy_run(copy_plan *begun, RFILE *out, void (*shown)(int64_t done, int64_t a
     const copy_plan &plan = *begun;
     copy_lines lines = plan.lines;
     lines.out = out;
-    if (!set_header(out, plan))
+    if (!set_header(out, plan) || !settle_orientation(out, plan.orientation, &lines))
         return fail_output(why);
-    if (!settle_orientation(out, plan.orientation, &lines))
-        return fail(why, true, "the format has no images that lie in columns");
-    const bool whole = is_whole(lines, lines.in) && !lines.mirrored && !lines.upside_down;
+    const bool whole = is_whole(lines, lines.in) && !lines.mirrored && !lines.upside_down && !lines.transposed;
     if (!carry_header(lines.in, out, whole, &begun->packets))
         return fail(why, false, failure_text(rio_errno ? rio_errno : uint32_t{ RIO_NO_MEMORY }));
     if (rio_write_header(out) != 0)

@@ -16,9 +16,11 @@ struct copy_lines {
     int x0, y0, x1, y1;                // inclusive, in pixels of `in`
     int step;                          // every step-th column and line
     bool ones_are_white;               // in bilevel lines of `in`
+    bool transposed;                   // columns become lines; the image is held for that
     bool upside_down, mirrored;        // the new file's lines run the other way
 };
 
+// Of the new file.
 int copied_columns(const copy_lines &copy);
 int copied_rows(const copy_lines &copy);
 

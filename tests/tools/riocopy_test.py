@@ -134,6 +134,35 @@ equal("tiles", "tiles:         32 x 32" in about, True)
 equal("overviews", "75 x 45, reduced by 2" in about and "38 x 23, reduced by 4" in about, True)
 equal("base image", same(pixels("big.cot"), big), True)
 
+# Lines that run another way: pixel i of line j lies where the orientation says, and PNM wants rows from the top left.
+def upright(lines, orientation):
+    rows = [bytes(column) for column in zip(*lines)] if orientation < 4 else list(lines)
+    rows = [row[::-1] for row in rows] if orientation & 1 else rows
+    return b"".join(rows[::-1] if orientation & 2 else rows)
+
+
+expect("ramp to native", [ramp, path("ramp.cot")], 0)
+for orientation in range(8):
+    way = bytearray(content("ramp.cot"))
+    way[194] = orientation
+    put("way.cot", bytes(way))
+    size = b"6 10" if orientation < 4 else b"10 6"
+    lines = [bytes(range(10 * y, 10 * y + 10)) for y in range(6)]
+    equal("orientation %d" % orientation, expect("turned", ["-f", "pnm", path("way.cot"), "-"], 0),
+          b"P5 " + size + b" 255\n" + upright(lines, orientation))
+    part = [line[2:9:3] for line in lines[1:6:3]]
+    size = b"2 3" if orientation < 4 else b"3 2"
+    equal("a part of orientation %d" % orientation,
+          expect("turned part", ["-f", "pnm", "-i", "3", "-a", "2,1,9,5", path("way.cot"), "-"], 0),
+          b"P5 " + size + b" 255\n" + upright(part, orientation))
+put("two.ppm", b"P6 2 3 255\n" + bytes(range(18)))
+expect("colours to native", [path("two.ppm"), path("columns.rgb")], 0)
+way = bytearray(content("columns.rgb"))
+way[194] = 0
+put("columns.rgb", bytes(way))
+equal("columns of colours", expect("colours", ["-f", "pnm", path("columns.rgb"), "-"], 0),
+      b"P6 3 2 255\n" + bytes((0, 1, 2, 6, 7, 8, 12, 13, 14, 3, 4, 5, 9, 10, 11, 15, 16, 17)))
+
 # What the file has of its own goes along: tiles and overviews, texts, placement and packets.
 expect("tiles and overviews stay", [path("big.cot"), path("big2.cot")], 0)
 equal("the same file but for its name", content("big2.cot") == content("big.cot"), True)
