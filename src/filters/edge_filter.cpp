@@ -15,9 +15,13 @@ constexpr int RING = 8;
 constexpr int ring_place[RING] = { 0, 1, 2, 5, 8, 7, 6, 3 };  // around the kernel's centre, clockwise from the top left
 constexpr double EIGHTHS_PER_DEGREE = 0.022222222222222223;
 
+struct place {
+    int row, column;
+};
+
 struct edge_kernel {
     int32_t tap[9];
-    int plus[3], minus[3];             // where +1 and -1 stand, when the kernel is three of each
+    place plus[3], minus[3];           // where +1 and -1 stand, when the kernel is three of each
 };
 
 edge_kernel turned(const int32_t base[9], int eighths)
@@ -38,18 +42,13 @@ bool find_signs(edge_kernel &kernel)
         if (tap == 0)
             continue;
         if (tap == 1 && plus < 3)
-            kernel.plus[plus++] = i;
+            kernel.plus[plus++] = { i / 3, i % 3 };
         else if (tap == -1 && minus < 3)
-            kernel.minus[minus++] = i;
+            kernel.minus[minus++] = { i / 3, i % 3 };
         else
             return false;
     }
     return plus == 3 && minus == 3;
-}
-
-const uint8_t *tap_row(const uint8_t *const *rows, int place)
-{
-    return rows[place / 3] + place % 3;
 }
 
 void edge_byte_row(uint8_t *out, const uint8_t *const *rows, int count, const void *parameters, bool past_caches)
@@ -57,8 +56,8 @@ void edge_byte_row(uint8_t *out, const uint8_t *const *rows, int count, const vo
     const edge_kernel &k = *(const edge_kernel *)parameters;
     const uint8_t *plus[3], *minus[3];
     for (int i = 0; i < 3; i++) {
-        plus[i] = tap_row(rows, k.plus[i]);
-        minus[i] = tap_row(rows, k.minus[i]);
+        plus[i] = rows[k.plus[i].row] + k.plus[i].column;
+        minus[i] = rows[k.minus[i].row] + k.minus[i].column;
     }
     row_kernels_best().edge(out, plus, minus, count, past_caches);
 }
