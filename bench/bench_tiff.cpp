@@ -312,6 +312,20 @@ static void plain_tiles_libtiff(benchmark::State &state)
     count_bytes(state);
 }
 
+// What memcpy takes when the bytes come in pieces of a tile.
+static void copy_tiles(benchmark::State &state)
+{
+    const memory_tiff &m = plain_file(TILES_FILE);
+    bytes room(size_t{TILES} * TILE_BYTES + APART);
+    const size_t behind = m.data.size() - size_t{TILES} * TILE_BYTES;
+    for (auto _ : state) {
+        for (size_t t = 0; t < TILES; t++)
+            memcpy(&room[APART + t * TILE_BYTES], &m.data[behind + t * TILE_BYTES], TILE_BYTES);
+        benchmark::ClobberMemory();
+    }
+    count_bytes(state);
+}
+
 // Lines of a tiled file.
 static void plain_tile_lines_ours(benchmark::State &state)
 {
@@ -371,6 +385,7 @@ BENCHMARK(plain_strips_ours);
 BENCHMARK(plain_strips_libtiff);
 BENCHMARK(plain_tiles_ours);
 BENCHMARK(plain_tiles_libtiff);
+BENCHMARK(copy_tiles);
 BENCHMARK(plain_tile_lines_ours);
 BENCHMARK(plain_write_ours);
 BENCHMARK(plain_write_libtiff);

@@ -127,6 +127,16 @@ static void spread_words(const pnm_specs *specs, int pixels, int samples, int co
     }
 }
 
+// Colours of a byte each, from where they lie in memory. 0 when they do not.
+static int spread_lying(RFILE *file, const pnm_specs *specs, int64_t place, int count, uint8_t **lines)
+{
+    const uint8_t *lying = specs->max_value < 256 ? rio_look(file, place, specs->row_bytes) : nullptr;
+    if (!lying)
+        return 0;
+    spread_bytes(lying, file->width, count, lines, 0);
+    return rio_look_ended(file);
+}
+
 // Lines that do not lie in the file as they are handed out, a chunk at a time.
 static int get_chunks(RFILE *file, pnm_specs *specs, int count, uint8_t **lines)
 {
@@ -164,7 +174,8 @@ static int get_raw_line(RFILE *file, pnm_specs *specs, int count, uint8_t **line
     if (!lines[0] && as_it_lies)
         return 1;
     const int read = as_it_lies ? rio_read_at(file, place, lines[0], specs->row_bytes)
-                                : rio_byte_seek(file, place) && get_chunks(file, specs, count, lines);
+                                : spread_lying(file, specs, place, count, lines)
+                                      || (rio_byte_seek(file, place) && get_chunks(file, specs, count, lines));
     if (!read)
         return rio_fail(file, RIO_READ_FAILED, "PNM");
     if (pnm_is_bitmap(specs->kind))
