@@ -60,14 +60,14 @@ struct sample_source {
     const uint8_t *in;
     const int16_t *map;
     int rows, cols;
-    bool direct, wide;
+    bool direct, wide, past_caches;
     uint8_t table[256];
     int16_t *memory;
 };
 
 sample_source sample_source_of(const uint8_t *in, const int16_t *map, int rows, int cols, bool has_byte_kernel, int16_t *memory)
 {
-    sample_source source = { in, map, rows, cols, false, false, {}, memory };
+    sample_source source = { in, map, rows, cols, false, false, int64_t{rows} * cols >= STREAM_FROM, {}, memory };
     source.wide = !has_byte_kernel || !level_table(map, source.table);
     source.direct = !source.wide && is_identity(map);
     return source;
@@ -97,17 +97,21 @@ void read_block(const sample_source &source, const sample_area &area)
 void filter_part(const sample_source &source, const row_filter &filter, const sample_area &area, int r, int c, uint8_t *out, int count)
 {
     const int64_t place = int64_t{r - area.r0} * SAMPLE_COLS + c - area.c0;
-    const int16_t *wide_rows[KERNEL_MAX];
-    const uint8_t *byte_rows[KERNEL_MAX];
-    for (int i = 0; i < filter.size; i++) {
-        wide_rows[i] = source.memory + place + i * SAMPLE_COLS;
-        byte_rows[i] = source.direct ? source.in + int64_t{r + i} * source.cols + c : (uint8_t *)source.memory + place + i * SAMPLE_COLS;
+    if (source.wide) {
+        const int16_t *rows[KERNEL_MAX];
+        for (int i = 0; i < filter.size; i++)
+            rows[i] = source.memory + place + i * SAMPLE_COLS;
+        filter.wide_row(out, rows, count, filter.parameters, source.past_caches);
+        return;
     }
-    const bool past_caches = int64_t{source.rows} * source.cols >= STREAM_FROM;
-    if (source.wide)
-        filter.wide_row(out, wide_rows, count, filter.parameters, past_caches);
-    else
-        filter.byte_row(out, byte_rows, count, filter.parameters, past_caches);
+    const uint8_t *first = (const uint8_t *)source.memory + place;
+    int64_t stride = SAMPLE_COLS;
+    if (source.direct) {
+        first = source.in + int64_t{r} * source.cols + c;
+        stride = source.cols;
+    }
+    const uint8_t *const rows[KERNEL_MAX] = { first, first + stride, first + (filter.size - 1) * stride };
+    filter.byte_row(out, rows, count, filter.parameters, source.past_caches);
 }
 
 // Columns c0 to c1 of row r; those at the sides of the computed area bring the margins with them.

@@ -91,6 +91,9 @@ const row_kernels row_kernels_plain = { edge, laplace, sobel, roberts, next_sums
 
 const row_kernels &row_kernels_best()
 {
-    const row_kernels *const avx512 = row_kernels_avx512(), *const avx2 = row_kernels_avx2();
-    return avx512 ? *avx512 : avx2 ? *avx2 : row_kernels_plain;
+    static const row_kernels *const best = [] {
+        const row_kernels *const avx512 = row_kernels_avx512(), *const avx2 = row_kernels_avx2();
+        return avx512 ? avx512 : avx2 ? avx2 : &row_kernels_plain;
+    }();
+    return *best;
 }
