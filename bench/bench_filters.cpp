@@ -158,7 +158,7 @@ int main(int argc, char **argv)
     add_filters();
     add_geometry();
     add_tone();
-#ifdef BENCH_OPENCV
+#ifdef HAVE_OPENCV
     add_opencv();
 #endif
 #ifdef BENCH_LIBYUV

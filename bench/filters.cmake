@@ -1,15 +1,6 @@
 # Filters, tone transforms and geometry against memcpy of the same bytes, and beside OpenCV and libyuv.
 kestrel_bench(bench_filters SOURCES bench_filters.cpp LINKS kestrel_app)
-# The two parts come without a package file of their own.
-find_path(OPENCV_INCLUDE opencv2/imgproc.hpp PATH_SUFFIXES opencv4)
-find_library(OPENCV_CORE opencv_core)
-find_library(OPENCV_IMGPROC opencv_imgproc)
-if(OPENCV_INCLUDE AND OPENCV_CORE AND OPENCV_IMGPROC)
-  target_sources(bench_filters PRIVATE filters_opencv.cpp)
-  target_compile_definitions(bench_filters PRIVATE BENCH_OPENCV)
-  target_include_directories(bench_filters SYSTEM PRIVATE ${OPENCV_INCLUDE})
-  target_link_libraries(bench_filters PRIVATE ${OPENCV_IMGPROC} ${OPENCV_CORE})
-endif()
+kestrel_bench_opencv(bench_filters filters_opencv.cpp)
 if(LIBYUV_INCLUDE AND LIBYUV_LIBRARY)
   target_sources(bench_filters PRIVATE filters_libyuv.cpp)
   target_compile_definitions(bench_filters PRIVATE BENCH_LIBYUV)

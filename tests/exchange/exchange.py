@@ -3,6 +3,7 @@
 Pictures are (width, height, samples, bytes), samples interleaved. Public tools are read through raw PGM and PPM,
 which is parsed here and nowhere else.
 """
+import json
 import subprocess
 import sys
 
@@ -76,24 +77,41 @@ def same(one, other):
 
 
 PILLOW = """
-import sys
+import json, sys
 from PIL import Image
-with Image.open(sys.argv[1]) as file:
-    file.seek(int(sys.argv[2]))
-    file.load()
-    if file.mode.startswith("I"):       # wide gray: its high byte
-        shift = 8 if ";16" in file.mode else int(sys.argv[3])
-        shown, raw = "P5", bytes(v >> shift & 255 for v in file.getdata())
-    else:
-        picture = file if file.mode in ("L", "RGB") else file.convert("L" if file.mode == "1" else "RGB")
-        shown, raw = "P5" if picture.mode == "L" else "P6", picture.tobytes()
-    sys.stdout.buffer.write(b"%s\\n%d %d\\n255\\n" % (shown.encode(), file.width, file.height) + raw)
+
+def picture_in(path, image, shift):
+    with Image.open(path) as file:
+        file.seek(image)
+        file.load()
+        if file.mode.startswith("I"):       # wide gray: its high byte
+            shown, raw = "P5", bytes(v >> (8 if ";16" in file.mode else shift) & 255 for v in file.getdata())
+        else:
+            picture = file if file.mode in ("L", "RGB") else file.convert("L" if file.mode == "1" else "RGB")
+            shown, raw = "P5" if picture.mode == "L" else "P6", picture.tobytes()
+        return b"%s\\n%d %d\\n255\\n" % (shown.encode(), file.width, file.height) + raw
+
+for line in sys.stdin:
+    try:
+        text = picture_in(*json.loads(line))
+    except Exception as why:
+        sys.stderr.write("%s%s\\n" % (line, why))
+        text = b""
+    sys.stdout.buffer.write(len(text).to_bytes(8, "big") + text)
+    sys.stdout.buffer.flush()
 """
+reader = None
 
 
 def pillow(path, image=0, shift=8):
-    """The picture as the Debian package of Pillow reads it."""
-    return picture_of(run(["/usr/bin/python3", "-c", PILLOW, path, str(image), str(shift)]))
+    """The picture as the Debian package of Pillow reads it; None when it does not. One process serves all."""
+    global reader
+    if reader is None:
+        reader = subprocess.Popen(["/usr/bin/python3", "-c", PILLOW], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+    reader.stdin.write(json.dumps([path, image, shift]).encode() + b"\n")
+    reader.stdin.flush()
+    size = int.from_bytes(reader.stdout.read(8), "big")
+    return picture_of(reader.stdout.read(size)) if size else None
 
 
 def raw_text(picture):

@@ -1,6 +1,6 @@
 cmake_policy(VERSION 3.25)
-# Replays a session with each of its allocations failing in turn, until there are no more. The program must always come to its
-# end: a crash or a status other than 0 is a failure.
+# Replays a session with each of its allocations failing in turn, or every STEP-th, until there are no more. The program must always
+# come to its end: a crash or a status other than 0 is a failure.
 get_filename_component(name ${SCRIPT} NAME_WE)
 get_filename_component(home ${SCRIPT} DIRECTORY)
 file(REMOVE_RECURSE ${DIRECTORY})
@@ -19,9 +19,9 @@ while(TRUE)
   if(NOT status STREQUAL 0)
     message(FATAL_ERROR "allocation ${count} fails: status ${status}\n${out}${err}")
   endif()
-  math(EXPR count "${count} + 1")
+  math(EXPR count "${count} + ${STEP}")
 endwhile()
 if(count EQUAL 0)
   message(FATAL_ERROR "no allocation was reached")
 endif()
-message(STATUS "${count} allocations have failed in turn")
+message(STATUS "of ${count} allocations every ${STEP}. has failed in turn")
