@@ -5,12 +5,12 @@
 //
 // Look at x_libtiff: median processor time of libtiff over the median of ours. The check of the pixels is not timed.
 #include "RIO/CIT/cit.h"
+#include "timing.h"
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <functional>
 #include <string>
 #include <tiffio.h>
@@ -185,17 +185,9 @@ static void kestrel_decode(const form &f, const std::vector<uint8_t> &strip, std
 
 static double processor_seconds(const std::function<void()> &work)
 {
-    timespec from, to;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &from);
+    const double begin = seconds();
     work();
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &to);
-    return double(to.tv_sec - from.tv_sec) + 1e-9 * double(to.tv_nsec - from.tv_nsec);
-}
-
-static double median(std::vector<double> v)
-{
-    std::nth_element(v.begin(), v.begin() + long(v.size() / 2), v.end());
-    return v[v.size() / 2];
+    return seconds() - begin;
 }
 
 static void in_turn(benchmark::State &state, const std::function<void()> &libtiff, const std::function<void()> &ours)

@@ -4,45 +4,24 @@
 // undo that tone transforms take, in memory that a command before it took.
 #include "filters_bench.h"
 
-#include <algorithm>
 #include <benchmark/benchmark.h>
-#include <cstdlib>
 #include <cstring>
-#include <ctime>
-#include <vector>
 
 #include "filters/ihs.h"
 #include "filters/level_table.h"
 #include "filters/neighbourhood.h"
 #include "filters/orthogonal.h"
-#include "mem.h"
-
-static uint8_t *plane_memory()
-{
-    uint8_t *plane = (uint8_t *)mem_alloc(BYTES);
-    if (!plane)
-        std::exit(1);
-    std::memset(plane, 0, BYTES);
-    return plane;
-}
+#include "timing.h"
 
 uint8_t *photograph()
 {
-    static uint8_t *const made = [] {
-        uint8_t *plane = plane_memory();
-        uint32_t state = 1;
-        for (size_t i = 0; i < BYTES; i++) {
-            state = state * 1664525u + 1013904223u;
-            plane[i] = uint8_t(i / 61 + i / SIDE / 17 + (state >> 27));
-        }
-        return plane;
-    }();
+    static uint8_t *const made = sloping_plane(SIDE, BYTES);
     return made;
 }
 
 uint8_t *target()
 {
-    static uint8_t *const made = plane_memory();
+    static uint8_t *const made = plane_memory(BYTES);
     return made;
 }
 
@@ -56,44 +35,13 @@ static const int16_t *table(bool identity)
     return tables[identity];
 }
 
-static double now()
-{
-    timespec t;
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-    return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
-}
-
-static double median(std::vector<double> times)
-{
-    std::nth_element(times.begin(), times.begin() + std::ptrdiff_t(times.size() / 2), times.end());
-    return times[times.size() / 2];
-}
-
-static void beside_memcpy(benchmark::State &state, size_t bytes, const std::function<void()> &work)
-{
-    static uint8_t *const copy = plane_memory();
-    const uint8_t *plane = photograph();
-    std::vector<double> copies, works;
-    target();
-    for (auto _ : state) {
-        const double start = now();
-        std::memcpy(copy, plane, bytes);
-        benchmark::ClobberMemory();
-        const double middle = now();
-        work();
-        benchmark::ClobberMemory();
-        const double end = now();
-        copies.push_back(middle - start);
-        works.push_back(end - middle);
-        state.SetIterationTime(end - middle);
-    }
-    state.counters["memcpy_ms"] = 1e3 * median(copies);
-    state.counters["x_memcpy"] = median(works) / median(copies);
-}
-
 void add(const std::string &name, size_t bytes, const std::function<void()> &work)
 {
-    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) { beside_memcpy(state, bytes, work); })
+    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) {
+        static uint8_t *const copy = plane_memory(BYTES);
+        target();
+        beside_memcpy(state, photograph(), copy, bytes, work);
+    })
         ->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(15);
 }
 
@@ -112,7 +60,7 @@ static void add_filters()
 
 static void copy_for_undo(size_t bytes)
 {
-    static uint8_t *const undo = plane_memory();
+    static uint8_t *const undo = plane_memory(BYTES);
     std::memcpy(undo, target(), bytes);
 }
 

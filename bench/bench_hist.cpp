@@ -5,16 +5,14 @@
 #include <benchmark/benchmark.h>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <functional>
 #include <vector>
 
 #include "enhance/contrast_maps.h"
 #include "enhance/hist_kernel.h"
 #include "enhance/histogram.h"
-#include "mem.h"
+#include "timing.h"
 
 #ifdef HAVE_OPENCV
 #include <opencv2/core.hpp>
@@ -23,15 +21,6 @@
 
 static constexpr int SIDE = 8000;
 static constexpr size_t BYTES = size_t{SIDE} * SIDE;
-
-static uint8_t *plane_memory()
-{
-    uint8_t *plane = (uint8_t *)mem_alloc(BYTES);
-    if (!plane)
-        std::exit(1);
-    std::memset(plane, 0, BYTES);
-    return plane;
-}
 
 static uint32_t next_random(uint32_t *state)
 {
@@ -42,7 +31,7 @@ static uint32_t next_random(uint32_t *state)
 static const uint8_t *photograph()
 {
     static const uint8_t *const made = [] {
-        uint8_t *plane = plane_memory();
+        uint8_t *plane = plane_memory(BYTES);
         std::vector<double> wave(SIDE);
         for (int x = 0; x < SIDE; x++)
             wave[size_t(x)] = 45 * std::sin(x / 310.0) + 20 * std::sin(x / 37.0);
@@ -62,7 +51,7 @@ static const uint8_t *flat_map()
 {
     static const uint8_t *const made = [] {
         static constexpr uint8_t levels[] = { 12, 60, 61, 130, 200, 255 };
-        uint8_t *plane = plane_memory();
+        uint8_t *plane = plane_memory(BYTES);
         for (int y = 0; y < SIDE; y++)
             for (int x = 0; x < SIDE; x++)
                 plane[size_t(y) * SIDE + size_t(x)] = levels[size_t((x + y / 5) / 700 + y / 450 * 5) % sizeof levels];
@@ -71,36 +60,10 @@ static const uint8_t *flat_map()
     return made;
 }
 
-static double now()
-{
-    timespec t;
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-    return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
-}
-
-static double median(std::vector<double> times)
-{
-    std::nth_element(times.begin(), times.begin() + std::ptrdiff_t(times.size() / 2), times.end());
-    return times[times.size() / 2];
-}
-
 static void beside_memcpy(benchmark::State &state, const uint8_t *plane, const std::function<void()> &count)
 {
-    static uint8_t *const copy = plane_memory();
-    std::vector<double> copies, counts;
-    for (auto _ : state) {
-        const double start = now();
-        std::memcpy(copy, plane, BYTES);
-        benchmark::ClobberMemory();
-        const double middle = now();
-        count();
-        const double end = now();
-        copies.push_back(middle - start);
-        counts.push_back(end - middle);
-        state.SetIterationTime(end - middle);
-    }
-    state.counters["memcpy_ms"] = 1e3 * median(copies);
-    state.counters["x_memcpy"] = median(counts) / median(copies);
+    static uint8_t *const copy = plane_memory(BYTES);
+    beside_memcpy(state, plane, copy, BYTES, count);
 }
 
 static void count_levels(benchmark::State &state, const uint8_t *(*source)(), int step)

@@ -9,7 +9,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <functional>
 #include <string>
 #include <vector>
@@ -19,6 +18,7 @@
 #include "services/backend.h"
 #include "shell/session.h"
 #include "store/bands.h"
+#include "timing.h"
 
 #ifdef HAVE_PIXMAN
 #include <pixman.h>
@@ -101,26 +101,12 @@ static void set_view(bool colour, double zoom, double degrees)
 
 // --- timing --------------------------------------------------------------------------------------------------
 
-static double median(std::vector<double> values)
-{
-    std::nth_element(values.begin(), values.begin() + std::ptrdiff_t(values.size() / 2), values.end());
-    return values[values.size() / 2];
-}
-
-// Processor time of this thread: what other programs take does not count.
-static double thread_seconds()
-{
-    timespec now;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
-}
-
 static double seconds_of(const std::function<void()> &work)
 {
-    const double begin = thread_seconds();
+    const double begin = seconds();
     work();
     benchmark::ClobberMemory();
-    return thread_seconds() - begin;
+    return seconds() - begin;
 }
 
 // The work and memcpy each in a run of their own, so that each finds its buffers warm.

@@ -6,7 +6,7 @@
 #include "mem.h"
 #include "pictures.h"
 #include "store/read_lines.h"
-#include <algorithm>
+#include "timing.h"
 #include <benchmark/benchmark.h>
 #include <cstdlib>
 #include <cstring>
@@ -73,25 +73,19 @@ static uint8_t *band_memory(int index)
     return held[index];
 }
 
-static double seconds()
+static double wall_seconds()
 {
     timespec now;
     clock_gettime(CLOCK_MONOTONIC, &now);
     return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
 }
 
-static double median(std::vector<double> &times)
-{
-    std::nth_element(times.begin(), times.begin() + long(times.size() / 2), times.end());
-    return times[times.size() / 2];
-}
-
 static double time_of(const std::function<void()> &work)
 {
-    const double start = seconds();
+    const double start = wall_seconds();
     work();
     benchmark::ClobberMemory();
-    return seconds() - start;
+    return wall_seconds() - start;
 }
 
 // `bands` planes are filled by each turn.

@@ -7,10 +7,8 @@
 // The screen is the one in memory, without its own copy of the finished picture: a display takes the picture as it is.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <functional>
 #include <vector>
 
@@ -26,6 +24,7 @@
 #include "shell/session.h"
 #include "shell/startup.h"
 #include "store/bands.h"
+#include "timing.h"
 
 static constexpr int WIDTH = 1920, HEIGHT = 1080;
 
@@ -123,19 +122,6 @@ static void wait_once()
 }
 
 // --- timing --------------------------------------------------------------------------------------------------
-
-static double seconds()
-{
-    timespec now;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
-}
-
-static double median(std::vector<double> values)
-{
-    std::nth_element(values.begin(), values.begin() + std::ptrdiff_t(values.size() / 2), values.end());
-    return values[values.size() / 2];
-}
 
 static double copy_seconds()
 {

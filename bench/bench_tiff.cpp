@@ -281,16 +281,19 @@ static void plain_strips_libtiff(benchmark::State &state)
 }
 
 enum { TILES = 32 * 32, TILE_BYTES = 256 * 256 };
+// Tiles are kept side by side, or worked on one by one in one place.
+enum { IN_ONE_PLACE, SIDE_BY_SIDE };
 
 static void plain_tiles_ours(benchmark::State &state)
 {
+    const size_t apart = state.range(0) == SIDE_BY_SIDE ? TILE_BYTES : 0;
     bytes room(size_t{TILES} * TILE_BYTES + APART);
     uint8_t *const out = room.data() + APART;
     for (auto _ : state) {
         rio_memory_file record;
         RFILE *file = open_ours(plain_file(TILES_FILE), &record);
         for (size_t t = 0; t < TILES; t++) {
-            void *const planes[] = { &out[t * TILE_BYTES] };
+            void *const planes[] = { &out[t * apart] };
             rio_gettile(file, 1, planes, nullptr);
         }
         rio_close(file);
@@ -300,13 +303,14 @@ static void plain_tiles_ours(benchmark::State &state)
 
 static void plain_tiles_libtiff(benchmark::State &state)
 {
+    const size_t apart = state.range(0) == SIDE_BY_SIDE ? TILE_BYTES : 0;
     memory_tiff m = plain_file(TILES_FILE);
     bytes room(size_t{TILES} * TILE_BYTES + APART);
     uint8_t *const out = room.data() + APART;
     for (auto _ : state) {
         TIFF *tiff = open_memory(&m, "r");
         for (uint32_t t = 0; t < TILES; t++)
-            TIFFReadEncodedTile(tiff, t, &out[size_t{t} * TILE_BYTES], TILE_BYTES);
+            TIFFReadEncodedTile(tiff, t, &out[t * apart], TILE_BYTES);
         TIFFClose(tiff);
     }
     count_bytes(state);
@@ -315,12 +319,13 @@ static void plain_tiles_libtiff(benchmark::State &state)
 // What memcpy takes when the bytes come in pieces of a tile.
 static void copy_tiles(benchmark::State &state)
 {
+    const size_t apart = state.range(0) == SIDE_BY_SIDE ? TILE_BYTES : 0;
     const memory_tiff &m = plain_file(TILES_FILE);
     bytes room(size_t{TILES} * TILE_BYTES + APART);
     const size_t behind = m.data.size() - size_t{TILES} * TILE_BYTES;
     for (auto _ : state) {
         for (size_t t = 0; t < TILES; t++)
-            memcpy(&room[APART + t * TILE_BYTES], &m.data[behind + t * TILE_BYTES], TILE_BYTES);
+            memcpy(&room[APART + t * apart], &m.data[behind + t * TILE_BYTES], TILE_BYTES);
         benchmark::ClobberMemory();
     }
     count_bytes(state);
@@ -384,9 +389,9 @@ BENCHMARK(packbits_encode_ours)->Arg(SCENE)->Arg(MAP);
 BENCHMARK(packbits_encode_libtiff)->Arg(SCENE)->Arg(MAP);
 BENCHMARK(plain_strips_ours);
 BENCHMARK(plain_strips_libtiff);
-BENCHMARK(plain_tiles_ours);
-BENCHMARK(plain_tiles_libtiff);
-BENCHMARK(copy_tiles);
+BENCHMARK(plain_tiles_ours)->ArgName("side_by_side")->DenseRange(IN_ONE_PLACE, SIDE_BY_SIDE);
+BENCHMARK(plain_tiles_libtiff)->ArgName("side_by_side")->DenseRange(IN_ONE_PLACE, SIDE_BY_SIDE);
+BENCHMARK(copy_tiles)->ArgName("side_by_side")->DenseRange(IN_ONE_PLACE, SIDE_BY_SIDE);
 BENCHMARK(plain_tile_lines_ours);
 BENCHMARK(plain_write_ours);
 BENCHMARK(plain_write_libtiff);

@@ -131,6 +131,7 @@ struct rio_tiles {
     uint8_t *strip_cache;       // read side: a row of tiles, all planes; or some lines of tiles that lie plain in the file
     int64_t strip_bytes;        // of one plane of strip_cache
     int32_t strip_planes;
+    const void *last_buffer;    // read side: that the tile before went to
     void *directory;            // format's tile directory, freed with the record
 };
 
