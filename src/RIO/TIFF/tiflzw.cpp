@@ -203,7 +203,7 @@ struct lzw_string {
 };
 
 // How far a copy may write behind its end.
-enum { SLACK = 32 };
+enum { SLACK = 64 };
 
 struct bit_reader {
     const uint8_t *in;
