@@ -143,6 +143,10 @@ int ws_read_pixels(int w, int x0, int y0, int x1, int y1, void *buffer)
     const int64_t width = int64_t{x1} - x0 + 1;
     for (int y = part.y0; y <= part.y1; y++) {
         uint32_t *const row = (uint32_t *)buffer + (int64_t{y} - y0) * width - x0;
+        if (store.format == PIXELS_RGB) {
+            std::copy_n((const uint32_t *)store_at(store, part.x0, y), part.x1 - part.x0 + 1, row + part.x0);
+            continue;
+        }
         for (int x = part.x0; x <= part.x1; x++)
             row[x] = store_get(store, x, y);
     }
@@ -162,6 +166,10 @@ int ws_write_pixels(int w, int x0, int y0, int x1, int y1, const void *buffer)
     const int64_t width = int64_t{x1} - x0 + 1;
     for (int y = part.y0; y <= part.y1; y++) {
         const uint32_t *const row = (const uint32_t *)buffer + (int64_t{y} - y0) * width - x0;
+        if (store.format == PIXELS_RGB) {
+            std::copy_n(row + part.x0, part.x1 - part.x0 + 1, (uint32_t *)store_at(store, part.x0, y));
+            continue;
+        }
         for (int x = part.x0; x <= part.x1; x++)
             store_set(store, x, y, row[x]);
     }

@@ -105,6 +105,12 @@ int active_look()
     return -1;
 }
 
+void damage_active_caption()
+{
+    if (const window_record *window = window_of(active_look()))
+        damage_add(caption_rect(*window));
+}
+
 // --- painting ----------------------------------------------------------------------------------------------------
 
 void operator_press_button(int w, window_part part)

@@ -4,6 +4,7 @@
 
 // The titled window on top of the others, which shows the active caption; -1 when there is none, and under a pop-up.
 int active_look();
+void damage_active_caption();          // before and after whatever changes that; nothing else of the window depends on it
 
 // Which part of an uncollapsed window a point of its outer rectangle is.
 window_part frame_part(const window_record &window, int x, int y);

@@ -18,6 +18,7 @@ struct font_record {
     const uint8_t *bytes;
     uint8_t *owned;                    // the same, when read from a file
     int height;
+    font_reach reach;
 };
 
 static font_record fonts[FONTS_MAX];
@@ -136,17 +137,24 @@ static bool glyph_in(const uint8_t *bytes, uint8_t character, font_glyph *glyph_
     return true;
 }
 
+static font_reach reach_of(const uint8_t *bytes)
+{
+    font_reach reach = {};
+    font_glyph glyph;
+    for (int c = 0; c < 256; c++) {
+        if (!glyph_in(bytes, uint8_t(c), &glyph))
+            continue;
+        reach.columns = std::max(reach.columns, glyph.x_offset + glyph.width - glyph.advance);
+        reach.rows = std::max(reach.rows, glyph.y_offset + glyph.height);
+    }
+    return reach;
+}
+
 // The space of a text font is one blank cell, a whole line high; symbol sets have none.
-static int line_height_of(const uint8_t *bytes)
+static int line_height_of(const font_record &font)
 {
     font_glyph glyph;
-    if (glyph_in(bytes, ' ', &glyph) && glyph.height > 0)
-        return glyph.height;
-    int height = 0;
-    for (int c = 0; c < 256; c++)
-        if (glyph_in(bytes, uint8_t(c), &glyph))
-            height = std::max(height, glyph.y_offset + glyph.height);
-    return height;
+    return glyph_in(font.bytes, ' ', &glyph) && glyph.height > 0 ? glyph.height : font.reach.rows;
 }
 
 int ws_load_font(const char *name, int *id_out)
@@ -159,7 +167,7 @@ int ws_load_font(const char *name, int *id_out)
     }
     if (font_count == FONTS_MAX || !*name)
         return -1;
-    font_record font = { name, nullptr, nullptr, 0 };
+    font_record font = { name, nullptr, nullptr, 0, {} };
     if (const builtin_font *const builtin = find_builtin(name)) {
         if (!font_valid(builtin->bytes, builtin->size))
             return -1;
@@ -169,7 +177,8 @@ int ws_load_font(const char *name, int *id_out)
         if (!font.bytes)
             return -1;
     }
-    font.height = line_height_of(font.bytes);
+    font.reach = reach_of(font.bytes);
+    font.height = line_height_of(font);
     fonts[font_count++] = font;
     *id_out = font_count;
     return 0;
@@ -184,6 +193,12 @@ bool font_glyph_of(int font, uint8_t character, font_glyph *glyph_out)
 {
     const font_record *const record = font_of(font);
     return record && glyph_in(record->bytes, character, glyph_out);
+}
+
+font_reach font_reach_of(int font)
+{
+    const font_record *const record = font_of(font);
+    return record ? record->reach : font_reach {};
 }
 
 int ws_font_height(int font)

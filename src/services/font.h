@@ -17,6 +17,12 @@ struct font_glyph {
 // False when there is no such font, or it has no glyph for the character.
 bool font_glyph_of(int font, uint8_t character, font_glyph *glyph_out);
 
+// How far any glyph of a font reaches: columns beyond where it leaves the pen, rows from the top of the line.
+struct font_reach {
+    int columns, rows;
+};
+font_reach font_reach_of(int font);    // 0, 0 for no font
+
 // True when `size` bytes are a font file whose every record lies inside of it.
 bool font_valid(const uint8_t *bytes, int64_t size);
 

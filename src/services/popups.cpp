@@ -1,5 +1,6 @@
 // Pop-ups: modal overlays that take the place of window 0. The compositor keeps what lies beneath, so closing one
 // uncovers it as it is by then.
+#include "services/decorations.h"
 #include "services/pixel_store.h"
 #include "services/windows.h"
 
@@ -40,7 +41,7 @@ int ws_popup_open(int w, int x0, int y0, int x1, int y1)
     const ws_rect rect = rect_common({ x0, y0, x1, y1 }, frame_record()->rect);
     if (!popup || popup->shown || rect_empty(rect))
         return -1;
-    damage_active_window();
+    damage_active_caption();
     popup->rect = rect;
     popup->shown = true;
     window_shape(*popup);
@@ -57,7 +58,7 @@ int ws_popup_close(int w)
     window_damage(*popup);
     popup->shown = false;
     store_free(popup->store);
-    damage_active_window();
+    damage_active_caption();
     cursor_update();
     return 0;
 }

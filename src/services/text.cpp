@@ -83,12 +83,12 @@ int ws_draw_text(int w, int font, int x, int y, const char *text, int length)
     const drawing_target target = begin_drawing(w);
     if (!target.window)
         return target.result;
-    const int height = ws_font_height(font);
-    if (height == 0)
+    if (ws_font_height(font) == 0)
         return -1;
     if (far_away(x) || far_away(y))
         return 0;
     const int end = stamp_text(target.window->store, target.clip, font, x, y, text, length, uint32_t(target.window->foreground));
-    end_drawing(*target.window, rect_common(target.clip, { x, y, end + UCHAR_MAX, y + std::max(height, 2 * UCHAR_MAX) }));
+    const font_reach reach = font_reach_of(font);
+    end_drawing(*target.window, rect_common(target.clip, { x, y, end + reach.columns - 1, y + reach.rows - 1 }));
     return 0;
 }

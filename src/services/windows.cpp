@@ -112,19 +112,13 @@ static int stack_top_for(int w)
     return ws_state.stack_count - below_the_top_window;
 }
 
-void damage_active_window()
-{
-    if (const window_record *window = window_of(active_look()))
-        window_damage(*window);
-}
-
 static void stack_raise(int w)
 {
-    damage_active_window();
+    damage_active_caption();
     stack_remove(w);
     stack_insert(w, stack_top_for(w));
     window_damage(ws_state.windows[w]);
-    damage_active_window();
+    damage_active_caption();
 }
 
 // --- making and removing -----------------------------------------------------------------------------------------
@@ -201,7 +195,7 @@ int ws_delete_window(int w)
     *window = {};
     decorations_forget(w);
     events_forget_window(w);
-    damage_active_window();
+    damage_active_caption();
     cursor_update();
     return 0;
 }
@@ -300,11 +294,11 @@ int ws_push_bottom(int w)
         return -1;
     if (w == 0 || !window->shown || is_above_all(w))
         return 0;
-    damage_active_window();
+    damage_active_caption();
     stack_remove(w);
     stack_insert(w, 0);
     window_damage(*window);
-    damage_active_window();
+    damage_active_caption();
     cursor_update();
     return 0;
 }
@@ -368,12 +362,12 @@ int ws_collapse(int w)
         return -1;
     if (window->collapsed || !window->shown)
         return 0;
-    damage_active_window();
+    damage_active_caption();
     window_damage(*window);
     window->collapsed = true;
     icon_find_place(w);
     window_damage(*window);
-    damage_active_window();
+    damage_active_caption();
     queue_collapse(w, 1);
     cursor_update();
     return 0;

@@ -15,5 +15,4 @@ bool window_rect_valid(const ws_rect &rect);
 // Gives the window its backing store, or the one of a new size. Pixels that are new take the background colour.
 void window_shape(window_record &window);
 void window_damage(const window_record &window);
-void damage_active_window();                // before and after whatever changes which window looks active
 pixel_format window_format(const window_record &window);

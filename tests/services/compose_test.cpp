@@ -148,3 +148,21 @@ TEST_F(compose_test, TopmostTitledWindowAloneLooksActive)
     ws_delete_window(b);
     EXPECT_EQ(active_look(), -1);
 }
+
+TEST_F(compose_test, PopupRecomposesOnlyTheCaptionOfTheActiveWindow)
+{
+    const int w = titled_window("t", 20, 60, 299, 159);
+    fill_window(w, 9);
+    compose_and_present();
+    presented_pixels = 0;
+    int popup;
+    ws_popup_begin(0, 8, &popup);
+    ws_popup_open(0, 50, 80, 59, 89);      // 12 by 12 with the line around it
+    compose_and_present();
+    EXPECT_GT(presented_pixels, 12 * 12);
+    EXPECT_LT(presented_pixels, 12 * 12 + 300 * 40);   // the caption is less than 40 rows of less than 300 pixels
+    EXPECT_EQ(seen(21, 60 - 10), uint32_t(UI_IDLE));
+    ws_popup_end(0);
+    EXPECT_EQ(seen(21, 60 - 10), uint32_t(UI_ACCENT));
+    EXPECT_EQ(seen(55, 85), 0x090909u);
+}

@@ -70,6 +70,34 @@ TEST_F(screen_test, TextIsDrawnTopLeftAndLeavesTheBackground)
     EXPECT_EQ(held(w, 1, 1), 9u);
 }
 
+static void expect_damaged(int x0, int y0, int x1, int y1)
+{
+    ASSERT_EQ(ws_state.damage_count, 1);
+    const ws_rect &damage = ws_state.damage[0];
+    EXPECT_EQ(damage.x0, x0);
+    EXPECT_EQ(damage.y0, y0);
+    EXPECT_EQ(damage.x1, x1);
+    EXPECT_EQ(damage.y1, y1);
+}
+
+// Its rows end with the lowest glyph of the font, 'C'. A glyph that lies beyond its own advance widens all texts of its font.
+TEST_F(screen_test, TextChangesNoMoreOfTheScreenThanItsGlyphsReach)
+{
+    const temporary_file file(small_font()), beyond(font_file({ { 0, 2, 1, 5, 0, 3, 1 } }, { 0x03 }));
+    int font, font_beyond;
+    ASSERT_EQ(ws_load_font(file.name.c_str(), &font), 0);
+    ASSERT_EQ(ws_load_font(beyond.name.c_str(), &font_beyond), 0);
+    const int w = plain_window(10, 10, 109, 109);
+    compose_and_present();
+    ws_draw_text(w, font, 5, 7, "AC", 2);              // 4 + 6 columns, 2 + 1 rows
+    expect_damaged(15, 17, 24, 19);
+    compose_and_present();
+    ws_draw_text(w, font_beyond, 5, 7, "A", 1);        // 5 columns to the right, 2 wide
+    expect_damaged(15, 17, 21, 17);
+    EXPECT_EQ(held(w, 11, 7), held(w, 10, 7));
+    EXPECT_NE(held(w, 11, 7), held(w, 12, 7));
+}
+
 TEST_F(screen_test, GlyphsWiderThanTheirAdvanceTakeTheirWidth)
 {
     const temporary_file file(small_font());
