@@ -4,7 +4,6 @@
 //   calsopen  detection, the text records, binding for both directions   calsinfo  header keys, orientation, seeking
 //   calstile  type 2: the stream's elements, read to a list of tiles     calwrthd  records and stream out
 //   calgetli  lines and tiles in                                         calputli  lines and tiles out
-//   cgetrlet  tiles in as run lengths
 #pragma once
 #include "RIO/CIT/cit.h"
 #include "RIO/CORE/rio_format.h"
@@ -71,7 +70,6 @@ int cals_seek(RFILE *file, int line);
 int64_t cals_get_image_offset(RFILE *file);
 int cals_get_line(RFILE *file, int count, uint8_t **lines);
 int cals_get_tile(RFILE *file, int count, uint8_t **buffers, int32_t *value);
-int cals_get_rle_tile(RFILE *file, uint8_t *buffer, int *size, int32_t *value);
 int cals_put_line(RFILE *file, int count, uint8_t **lines);
 int cals_put_tile(RFILE *file, int count, uint8_t **buffers, const int32_t *value);
 int cals_wrt_hdr(RFILE *file);

@@ -29,7 +29,7 @@ static const rio_ops cals_ops {
     .putrleline = rio_putrleline_by_lines,
     .gettile = cals_get_tile,
     .puttile = cals_put_tile,
-    .getrletile = cals_get_rle_tile,
+    .getrletile = rio_getrletile_by_rows,
     .get_hdr_data = cals_get_hdr_data,
     .set_hdr_data = cals_set_hdr_data,
     .get_stat = cals_get_stat,

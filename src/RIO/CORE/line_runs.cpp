@@ -1,5 +1,6 @@
 #include "RIO/CORE/line_runs.h"
 #include "RIO/CORE/rio_format.h"
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -128,6 +129,44 @@ int rio_getrleline_by_lines(RFILE *file, uint8_t *buffer, int *size)
     }
     *size = int(words * 2);
     return file->width;
+}
+
+// The runs that surely fit: a row of single pixels has one for each, and two more.
+static int surely_bytes(const rio_tiles *t)
+{
+    const int64_t bytes = 2 * (int64_t{ t->tile_width } + 2 + t->tile_width / LONGEST_RUN * 2) * t->tile_height;
+    return int(std::min<int64_t>(bytes, INT32_MAX));
+}
+
+int rio_getrletile_by_rows(RFILE *file, uint8_t *buffer, int *size, int32_t *value)
+{
+    if (rio_tile_check(file))
+        return 0;
+    if (file->samples_per_pixel != 1 || file->bits_per_sample != 1)
+        return rio_fail(file, RIO_UNSUPPORTED, "No RLE tile this file");
+    const rio_tiles *t = file->tiles;
+    const int32_t tile = file->current_line;
+    const int64_t row_words = rio_bitmap_words(t->tile_width), words = *size / 2;
+    mem_ptr<uint16_t> pixels(static_cast<uint16_t *>(mem_alloc(size_t(2 * row_words * t->tile_height))));
+    if (!pixels)
+        return rio_fail(file, RIO_NO_MEMORY, "rle tile");
+    uint8_t *buffers[] = { buffer ? reinterpret_cast<uint8_t *>(pixels.get()) : nullptr };
+    const int got = file->ops.gettile(file, 1, buffers, value);
+    if (!got || !buffer)
+        return got;
+    uint16_t *runs = reinterpret_cast<uint16_t *>(buffer);
+    int64_t used = 0;
+    for (int32_t y = 0; y < t->tile_height && !(value && *value != -1); y++) {
+        const int64_t row = rio_bitmap_runs(pixels.get() + y * row_words, t->tile_width, runs + used, words - used);
+        if (row < 0) {
+            file->current_line = tile;
+            *size = surely_bytes(t);
+            return rio_fail(file, RIO_RLE_BUFFER, "rle tile");
+        }
+        used += row;
+    }
+    *size = int(2 * used);
+    return got;
 }
 
 int rio_putrleline_by_lines(RFILE *file, const uint8_t *runs, int size)

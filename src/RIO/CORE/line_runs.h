@@ -23,6 +23,10 @@ int rio_runs_to_bytes(const uint16_t *runs, int64_t words, uint8_t *line, int32_
 // enough, and the line can be read again; colour is refused with 0 and no error.
 int rio_getrleline_by_lines(RFILE *file, uint8_t *buffer, int *size);
 
+// Slot: Getrletile of a format that fills gettile, for bilevel files: the runs of each row as type 9 has them, row after row.
+// A solid tile has none, where `value` is given. Sizes and answers as above.
+int rio_getrletile_by_rows(RFILE *file, uint8_t *buffer, int *size, int32_t *value);
+
 // Slot: Putrleline of a format that fills putline: a line given in those forms. 0 done; 1 with the error set, RIO_BAD_VALUE
 // when the runs do not add up to the width.
 int rio_putrleline_by_lines(RFILE *file, const uint8_t *runs, int size);

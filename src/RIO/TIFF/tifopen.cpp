@@ -17,6 +17,7 @@ static const rio_ops tif_ops {
     .putlinetotile = rio_putlinetotile,
     .gettile = tif_get_tile,
     .puttile = tif_put_tile,
+    .getrletile = rio_getrletile_by_rows,
     .get_hdr_data = tif_get_hdr_data,
     .set_hdr_data = tif_set_hdr_data,
     .get_stat = tif_get_stat,

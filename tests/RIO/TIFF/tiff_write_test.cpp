@@ -124,6 +124,42 @@ TEST(TiffWrite, EveryDataTypeComesBack)
                 }
 }
 
+// Tiles of 16 x 16: a row of 3 white, 2 black, 11 white pixels; the other rows are white.
+TEST(TiffWrite, BilevelTilesComeAsRunLengths)
+{
+    for (int type : { RIO_TYPE_BITMAP, RIO_TYPE_CCITT4 }) {
+        created n(32, 16, type);
+        ASSERT_EQ(set_key(n.file, RIO_KEY_TILE_WIDTH, 16), 0);
+        for (int y = 0; y < 16; y++) {
+            const uint16_t line[] = { 0, uint16_t(y == 1 ? 0x1800 : 0) };
+            ASSERT_EQ(rio_putline(n.file, line), 0);
+        }
+        reading r(n.finish());
+        ASSERT_TRUE(r.file);
+        uint16_t runs[64];
+        int size = sizeof runs;
+        ASSERT_EQ(rio_getrletile(r.file, runs, &size, nullptr), 0);
+        EXPECT_EQ(words(runs, runs + size / 2), words(16, 16));
+        size = 34;
+        EXPECT_EQ(rio_getrletile(r.file, runs, &size, nullptr), 1);     // 15 rows of a run, and one of three
+        EXPECT_EQ(rio_errno, uint32_t(RIO_RLE_BUFFER));
+        ASSERT_GE(size, 36);
+        size = sizeof runs;
+        ASSERT_EQ(rio_getrletile(r.file, runs, &size, nullptr), 0);
+        words wanted { 16, 3, 2, 11 };
+        wanted.resize(18, 16);
+        EXPECT_EQ(words(runs, runs + size / 2), wanted);
+    }
+    created grey(16, 16, RIO_TYPE_BYTE);
+    ASSERT_EQ(set_key(grey.file, RIO_KEY_TILE_WIDTH, 16), 0);
+    put_lines(grey.file, 16, 16);
+    reading r(grey.finish());
+    uint16_t runs[64];
+    int size = sizeof runs;
+    EXPECT_EQ(rio_getrletile(r.file, runs, &size, nullptr), 1);
+    EXPECT_EQ(rio_errno, uint32_t(RIO_UNSUPPORTED));
+}
+
 TEST(TiffWrite, BilevelLinesInEveryCompression)
 {
     for (int type : { RIO_TYPE_BITMAP, RIO_TYPE_BITMAP_RLE, RIO_TYPE_CCITT3, RIO_TYPE_CCITT4 })
