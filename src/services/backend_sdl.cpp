@@ -43,7 +43,7 @@ static bool has_display()
 static bool environment_has_display()
 {
     for (const char *name : { "DISPLAY", "WAYLAND_DISPLAY", "XDG_RUNTIME_DIR", "SDL_VIDEODRIVER" })
-        if (getenv(name))
+        if (const char *value = getenv(name); value && *value)
             return true;
     return false;
 }
