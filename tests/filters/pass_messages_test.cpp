@@ -1,4 +1,5 @@
 // What long passes say between their rows, and where they stop when that is asked for.
+#include "filters/pass_watch.h"
 #include "filters/random_image.h"
 
 #include <string>
@@ -6,29 +7,6 @@
 #include "filters/ihs.h"
 #include "filters/neighbourhood.h"
 #include "filters/orthogonal.h"
-#include "services/ws.h"
-
-static std::vector<std::string> messages;
-static int rows_to_stop = -1;          // stop tests that still pass; below 0 all do
-
-extern "C" int __wrap__Z7msg_putiiPKc(int field, int, const char *text)
-{
-    EXPECT_EQ(field, MSG_KEYIN);
-    messages.push_back(text);
-    return 0;
-}
-
-extern "C" int __wrap__Z9msg_cleari(int field)
-{
-    EXPECT_EQ(field, MSG_KEYIN);
-    messages.push_back("");
-    return 0;
-}
-
-extern "C" int __wrap__Z11abort_checkv()
-{
-    return rows_to_stop >= 0 && rows_to_stop-- == 0;
-}
 
 namespace {
 

@@ -197,35 +197,25 @@ TEST_F(Rotate, AnUnknownMethodIsNamed)
     expect_untouched(before);
 }
 
-TEST_F(Rotate, ResetAtEachPromptLeavesEverything)
+TEST_F(Rotate, ResetAndQuitAtEachPromptLeaveEverything)
 {
     open_grey();
     const plane before = pixels(r);
-    for (int prompts = 0; prompts < 3; prompts++) {
-        const char *answers[] = { "30", "c" };
-        for (int i = 0; i < prompts; i++)
-            keys_in(answers[i]);
-        resets();
-        EXPECT_EQ(rotate_CMD(), 0);
-        expect_strip_clear();
-        expect_untouched(before);
-    }
-}
-
-TEST_F(Rotate, QuitAtEachPromptLeavesEverything)
-{
-    open_grey();
-    const plane before = pixels(r);
-    for (int prompts = 0; prompts < 3; prompts++) {
-        const char *answers[] = { "30", "c" };
-        for (int i = 0; i < prompts; i++)
-            keys_in(answers[i]);
-        operator_does([] { quit_requested = 1; ws_post_user_event(-2); });
-        EXPECT_EQ(rotate_CMD(), 0);
-        expect_strip_clear();
-        expect_untouched(before);
-        quit_requested = 0;
-    }
+    for (const bool quit : { false, true })
+        for (int prompts = 0; prompts < 3; prompts++) {
+            SCOPED_TRACE(prompts);
+            const char *answers[] = { "30", "c" };
+            for (int i = 0; i < prompts; i++)
+                keys_in(answers[i]);
+            if (quit)
+                operator_does([] { quit_requested = 1; ws_post_user_event(-2); });
+            else
+                resets();
+            EXPECT_EQ(rotate_CMD(), 0);
+            expect_strip_clear();
+            expect_untouched(before);
+            quit_requested = 0;
+        }
 }
 
 TEST_F(Rotate, PointsAreNoAnswer)

@@ -1,30 +1,8 @@
+#include "filters/pass_watch.h"
 #include "filters/warp_reference.h"
 
 #include "filters/warp_fit.h"
 #include "mem.h"
-
-// The linker gives us what the warp says and asks between rows (warp_tests.cmake).
-static std::vector<std::string> messages;
-static int rows_to_stop = -1;                  // stop tests still to pass
-
-extern "C" int __wrap__Z7msg_putiiPKc(int field, int, const char *text)
-{
-    EXPECT_EQ(field, MSG_KEYIN);
-    messages.push_back(text);
-    return 0;
-}
-
-extern "C" int __wrap__Z9msg_cleari(int field)
-{
-    EXPECT_EQ(field, MSG_KEYIN);
-    messages.push_back("");
-    return 0;
-}
-
-extern "C" int __wrap__Z11abort_checkv()
-{
-    return rows_to_stop >= 0 && rows_to_stop-- == 0;
-}
 
 namespace {
 

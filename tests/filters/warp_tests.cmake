@@ -15,6 +15,4 @@ kestrel_test(filters_warp_test SOURCES
   warp_resample_test.cpp
   warp_test.cpp
   LINKS kestrel_app)
-# Row messages come and go within a warp, and nothing asks for a stop: the test stands in between.
-target_link_options(filters_warp_test PRIVATE
-  LINKER:--wrap=_Z7msg_putiiPKc LINKER:--wrap=_Z9msg_cleari LINKER:--wrap=_Z11abort_checkv)
+target_link_options(filters_warp_test PRIVATE ${pass_watch_options})
